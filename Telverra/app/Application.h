@@ -1,0 +1,13 @@
+#pragma once
+
+/// The composition root: reads the command line, builds the platform objects and the window.
+namespace Application {
+
+inline constexpr const char *applicationId = "org.telverra.Telverra";
+
+int run(int argc, char *argv[]);
+
+/// Compiles every QML file of the module and loads the main window without showing it; 0 when all of it loads.
+int selfTest();
+
+} // namespace Application

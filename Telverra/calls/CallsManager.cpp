@@ -1,0 +1,231 @@
+#include "CallsManager.h"
+
+#include "Clipboard.h"
+#include "LaunchAddress.h"
+#include "Workspace.h"
+#include "common/Trace.h"
+#include "settings/Preferences.h"
+
+#include <QPointer>
+
+#include <mutex>
+
+namespace {
+struct SharedCollaborators
+{
+    Workspace *workspace = nullptr;
+    Preferences *preferences = nullptr;
+    Clipboard *clipboard = nullptr;
+};
+
+SharedCollaborators &sharedCollaborators()
+{
+    static SharedCollaborators collaborators;
+    return collaborators;
+}
+} // namespace
+
+CallsManager::CallsManager(Workspace &workspace, Preferences &preferences, Clipboard &clipboard, QObject *parent)
+    : QObject(parent)
+    , m_workspace(workspace)
+    , m_preferences(preferences)
+    , m_clipboard(clipboard)
+{}
+
+CallsManager::~CallsManager() = default;
+
+void CallsManager::setSharedCollaborators(Workspace *workspace, Preferences *preferences, Clipboard *clipboard)
+{
+    sharedCollaborators() = {workspace, preferences, clipboard};
+}
+
+CallsManager &CallsManager::shared()
+{
+    static std::once_flag once;
+    static CallsManager *instance = nullptr;
+    std::call_once(once, [] {
+        SharedCollaborators given = sharedCollaborators();
+        // Lives until the process ends, like its collaborators made here.
+        Workspace *workspace = given.workspace ? given.workspace : new SystemWorkspace;
+        Preferences *preferences =
+            given.preferences ? given.preferences : new Preferences(Preferences::defaultFilePath());
+        Clipboard *clipboard = given.clipboard ? given.clipboard : new SystemClipboard;
+        instance = new CallsManager(*workspace, *preferences, *clipboard);
+    });
+    return *instance;
+}
+
+bool CallsManager::useChromeAsDefaultBrowser() const
+{
+    return m_preferences.value(PreferenceKey::useChromeAsDefaultBrowser);
+}
+
+bool CallsManager::copyNumberURLToClipBoard() const
+{
+    return m_preferences.value(PreferenceKey::copyNumberURLToClipBoard);
+}
+
+void CallsManager::setLastCallDestinationValue(const QString &value)
+{
+    const QString replaced = std::exchange(m_lastCallDestinationValue, value);
+    if (copyNumberURLToClipBoard() && !replaced.isEmpty()) {
+        m_clipboard.setPlainText(replaced);
+    }
+}
+
+QString CallsManager::cleanNumber(const QString &number)
+{
+    QString cleaned = number;
+    cleaned.remove(u'-');
+    cleaned.remove(u'.');
+    cleaned.remove(u'/');
+    cleaned.remove(u' ');
+    return cleaned;
+}
+
+CallResult CallsManager::launch(CallTypes type, const QString &destination, const QString &failureText)
+{
+    const std::optional<LaunchAddress> address = LaunchAddress::parse(launchPrefix(type) + destination);
+    if (!address) {
+        return CallResult::failure(CallsManagerError::errorCreatingCall(failureText));
+    }
+    m_workspace.open(*address);
+    return CallResult::success(destination);
+}
+
+namespace {
+// An "@" marks an account (iMessage, FaceTime) that is used as written.
+QString cleanedUnlessAccount(const QString &destination)
+{
+    return destination.contains(u'@') ? destination : CallsManager::cleanNumber(destination);
+}
+} // namespace
+
+CallResult CallsManager::makePhoneCall(const QString &number)
+{
+    const CallResult result = launch(CallTypes::telephone, cleanNumber(number), u"Error creating call: " + number);
+    return result.isSuccess() ? CallResult::success(number) : result;
+}
+
+CallResult CallsManager::makeFacetimeCall(const QString &destination)
+{
+    const CallResult result =
+        launch(CallTypes::facetime, cleanedUnlessAccount(destination), u"Error creating Facetime call: " + destination);
+    return result.isSuccess() ? CallResult::success(destination) : result;
+}
+
+CallResult CallsManager::makeFacetimeAudioCall(const QString &destination)
+{
+    const CallResult result = launch(CallTypes::facetimeaudio, cleanedUnlessAccount(destination),
+                                     u"Error creating Facetime Audio call: " + destination);
+    return result.isSuccess() ? CallResult::success(destination) : result;
+}
+
+CallResult CallsManager::sendMessage(const QString &destination)
+{
+    // Messages share the e-mail wording of their failure text.
+    const CallResult result =
+        launch(CallTypes::messages, cleanedUnlessAccount(destination), u"Error creating eMail: " + destination);
+    return result.isSuccess() ? CallResult::success(destination) : result;
+}
+
+CallResult CallsManager::sendEmail(const QString &address)
+{
+    return launch(CallTypes::mail, address, u"Error creating eMail: " + address);
+}
+
+CallTypes CallsManager::callTypeForURL(QStringView text)
+{
+    if (text.contains(MeetingAddresses::googleMeet)) {
+        return CallTypes::googleMeet;
+    }
+    if (text.contains(MeetingAddresses::jitsi)) {
+        return CallTypes::jitsi;
+    }
+    if (text.contains(MeetingAddresses::zoom)) {
+        return CallTypes::zoom;
+    }
+    if (text.contains(MeetingAddresses::webex)) {
+        return CallTypes::webex;
+    }
+    return CallTypes::notRecognized;
+}
+
+void CallsManager::openTelco(const QString &address, const CallCompletion &completion)
+{
+    if (callTypeForURL(address) == CallTypes::notRecognized) {
+        completion(CallResult::failure(
+            CallsManagerError::invalidTelcoType(u"Attempt to open Telco of type: '" + address + u"'")));
+        return;
+    }
+    openClassified(address);
+    completion(CallResult::success(address));
+}
+
+void CallsManager::openClassified(const QString &address)
+{
+    const CallTypes type = callTypeForURL(address);
+    m_typeOfLastCall = type;
+    switch (type) {
+    case CallTypes::googleMeet:
+    case CallTypes::zoom:
+    case CallTypes::webex:
+    case CallTypes::jitsi:
+        openInBrowser(address);
+        break;
+    case CallTypes::googleMeetNew:
+        openInBrowser(address);
+        m_typeOfLastCall = CallTypes::googleMeet;
+        break;
+    case CallTypes::messages:
+    case CallTypes::skype:
+    case CallTypes::slack:
+        // Not produced by the classification today; kept for when recognition learns these kinds.
+        openInBrowser(launchPrefix(type));
+        break;
+    default:
+        break;
+    }
+    Trace::line(u"Openning URL From Clipboard: " + address);
+}
+
+void CallsManager::openInBrowser(const QString &address)
+{
+    if (useChromeAsDefaultBrowser()) {
+        openInChrome(address);
+    } else {
+        openInDefaultBrowser(address);
+    }
+}
+
+void CallsManager::openInDefaultBrowser(const QString &address)
+{
+    const std::optional<LaunchAddress> url = LaunchAddress::parseForBrowser(address);
+    if (!url) {
+        Trace::line(QStringLiteral("Error creating URL for Default Browser"));
+        return;
+    }
+    m_workspace.open(*url);
+}
+
+void CallsManager::openInChrome(const QString &address)
+{
+    const std::optional<LaunchAddress> url = LaunchAddress::parseForBrowser(address);
+    if (!url) {
+        Trace::line(QStringLiteral("Error creating URL for Chrome"));
+        return;
+    }
+    QPointer<CallsManager> self(this);
+    m_workspace.openWithApplication(*url, QStringLiteral("Google Chrome"),
+                                    [self, address](const QString &errorText, const QString &identifier) {
+                                        if (!self) {
+                                            return;
+                                        }
+                                        if (!errorText.isEmpty()) {
+                                            Trace::line(errorText);
+                                            self->openInDefaultBrowser(address);
+                                            return;
+                                        }
+                                        Trace::line(u"Successfully openned URL " + address + u" call in " + identifier);
+                                    });
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+/// The general clipboard, plain text only.
+class Clipboard
+{
+public:
+    virtual ~Clipboard();
+    /// The first item's plain text; nothing when the clipboard is empty or holds no text.
+    virtual std::optional<QString> plainText() const = 0;
+    /// Declares plain text as the only content, then sets it; the previous content is replaced.
+    virtual void setPlainText(const QString &text) = 0;
+};
+
+/// The desktop clipboard of the running QGuiApplication; without one (a console run) it reads nothing and drops
+/// writes.
+class SystemClipboard : public Clipboard
+{
+public:
+    std::optional<QString> plainText() const override;
+    void setPlainText(const QString &text) override;
+};

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QObject>
+#include <QSettings>
+#include <QString>
+
+#include <array>
+#include <memory>
+
+/// Every preference the program keeps; all are booleans.
+enum class PreferenceKey
+{
+    useChromeAsDefaultBrowser,
+    copyNumberURLToClipBoard,
+    fixedQuoteOnStartup,
+    updateWeatherInfoEveryHour,
+    quickActionIsSetForPhoneCalls,
+    quickActionIsSetForText,
+    quickActionIsSetForEmails,
+    quickActionIsSetForFacetimeCalls,
+    quickActionIsSetForFacetimeAudioCalls,
+    quickActionIsSetForSkype,
+};
+
+struct PreferenceDefinition
+{
+    PreferenceKey key;
+    const char *name;
+    bool defaultValue;
+};
+
+/// The one table of keys and defaults: every reader goes through it, so a key never written reads the same everywhere.
+inline constexpr std::array<PreferenceDefinition, 10> preferenceTable{{
+    {PreferenceKey::useChromeAsDefaultBrowser, "useChromeAsDefaultBrowser", true},
+    {PreferenceKey::copyNumberURLToClipBoard, "copyNumberURLToClipBoard", true},
+    {PreferenceKey::fixedQuoteOnStartup, "fixedQuoteOnStartup", false},
+    {PreferenceKey::updateWeatherInfoEveryHour, "updateWeatherInfoEveryHour", true},
+    {PreferenceKey::quickActionIsSetForPhoneCalls, "quickActionIsSetForPhoneCalls", true},
+    {PreferenceKey::quickActionIsSetForText, "quickActionIsSetForText", true},
+    {PreferenceKey::quickActionIsSetForEmails, "quickActionIsSetForEmails", true},
+    {PreferenceKey::quickActionIsSetForFacetimeCalls, "quickActionIsSetForFacetimeCalls", false},
+    {PreferenceKey::quickActionIsSetForFacetimeAudioCalls, "quickActionIsSetForFacetimeAudioCalls", false},
+    {PreferenceKey::quickActionIsSetForSkype, "quickActionIsSetForSkype", false},
+}};
+
+const PreferenceDefinition &preferenceDefinition(PreferenceKey key);
+
+/// The user's preference store: an INI file at an explicit path, read again at every use so that a change made
+/// elsewhere (the settings window, another process) takes effect on the next read.
+class Preferences : public QObject
+{
+    Q_OBJECT
+public:
+    explicit Preferences(const QString &filePath, QObject *parent = nullptr);
+    ~Preferences() override;
+
+    /// $XDG_CONFIG_HOME/telverra/telverra.conf
+    static QString defaultFilePath();
+
+    QString filePath() const;
+    bool value(PreferenceKey key) const;
+    void setValue(PreferenceKey key, bool value);
+
+    /// By key name, for QML; an unknown name reads false and is not written.
+    Q_INVOKABLE bool boolValue(const QString &name) const;
+    Q_INVOKABLE void setBoolValue(const QString &name, bool value);
+
+Q_SIGNALS:
+    void valueChanged(const QString &name);
+
+private:
+    std::unique_ptr<QSettings> m_settings;
+};

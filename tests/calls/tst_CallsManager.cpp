@@ -1,0 +1,344 @@
+#include "calls/CallsManager.h"
+#include "calls/Clipboard.h"
+#include "common/Trace.h"
+#include "settings/Preferences.h"
+#include "support/RecordingWorkspace.h"
+#include "support/TestHome.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QTest>
+
+#include <functional>
+#include <memory>
+
+using Launch = std::function<CallResult(CallsManager &, const QString &)>;
+Q_DECLARE_METATYPE(Launch)
+
+class tst_CallsManager : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void directLaunches_data();
+    void directLaunches();
+    void errorDescriptions_data();
+    void errorDescriptions();
+    void callTypeForURL_data();
+    void callTypeForURL();
+    void openTelcoUnrecognised();
+    void openTelcoInDefaultBrowser();
+    void openTelcoInChrome();
+    void chromeFailureFallsBackToDefaultBrowser();
+    void preferencesReadAtEachUse();
+    void hostileMeetingText_data();
+    void hostileMeetingText();
+    void lastCallDestinationClipboardRule_data();
+    void lastCallDestinationClipboardRule();
+    void scripts();
+    void sharedUsesCollaboratorsGivenBeforeFirstUse();
+
+private:
+    std::unique_ptr<TestHome> m_home;
+    std::unique_ptr<Preferences> m_preferences;
+    RecordingWorkspace m_workspace;
+    SystemClipboard m_clipboard;
+    std::unique_ptr<CallsManager> m_manager;
+};
+
+void tst_CallsManager::init()
+{
+    m_home = std::make_unique<TestHome>();
+    QVERIFY(m_home->isValid());
+    m_preferences = std::make_unique<Preferences>(Preferences::defaultFilePath());
+    m_workspace = RecordingWorkspace();
+    m_manager = std::make_unique<CallsManager>(m_workspace, *m_preferences, m_clipboard);
+    QGuiApplication::clipboard()->clear();
+}
+
+void tst_CallsManager::cleanup()
+{
+    m_manager.reset();
+    m_preferences.reset();
+    m_home.reset();
+}
+
+void tst_CallsManager::directLaunches_data()
+{
+    QTest::addColumn<Launch>("launch");
+    QTest::addColumn<QString>("destination");
+    QTest::addColumn<QString>("opened");      // empty: nothing is opened
+    QTest::addColumn<QString>("failureText"); // empty: success carrying the destination as passed
+
+    const Launch phone = &CallsManager::makePhoneCall;
+    const Launch facetime = &CallsManager::makeFacetimeCall;
+    const Launch facetimeAudio = &CallsManager::makeFacetimeAudioCall;
+    const Launch message = &CallsManager::sendMessage;
+    const Launch mail = &CallsManager::sendEmail;
+
+    QTest::newRow("phone, every separator removed")
+        << phone << u"+34 600-12.34/56"_qs << u"tel://+34600123456"_qs << QString();
+    QTest::newRow("phone, short number not read as an address") << phone << u"12"_qs << u"tel://12"_qs << QString();
+    QTest::newRow("phone, parentheses kept") << phone << u"(600) 123"_qs << u"tel://(600)123"_qs << QString();
+    QTest::newRow("phone, at sign still cleaned") << phone << u"a-b@c.d"_qs << u"tel://ab@cd"_qs << QString();
+    QTest::newRow("phone, newline and switch")
+        << phone << u"600\n--no-sandbox"_qs << QString() << u"Error creating call: 600\n--no-sandbox"_qs;
+    QTest::newRow("phone, non-ASCII") << phone << u"6\u00e900"_qs << QString() << u"Error creating call: 6\u00e900"_qs;
+    QTest::newRow("facetime, number cleaned") << facetime << u"600-1 2"_qs << u"facetime://60012"_qs << QString();
+    QTest::newRow("facetime, account as written")
+        << facetime << u"bob.s@example.com"_qs << u"facetime://bob.s@example.com"_qs << QString();
+    QTest::newRow("facetime, bad account")
+        << facetime << u"bob s@example.com"_qs << QString() << u"Error creating Facetime call: bob s@example.com"_qs;
+    QTest::newRow("facetime audio") << facetimeAudio << u"600.12"_qs << u"facetime-audio://60012"_qs << QString();
+    QTest::newRow("facetime audio, bad account")
+        << facetimeAudio << u"a b@c.d"_qs << QString() << u"Error creating Facetime Audio call: a b@c.d"_qs;
+    QTest::newRow("message, blanks removed") << message << u"600 12 34"_qs << u"sms:6001234"_qs << QString();
+    QTest::newRow("message, account unchanged")
+        << message << u"ana.b-c@example.com"_qs << u"sms:ana.b-c@example.com"_qs << QString();
+    QTest::newRow("message, e-mail wording on failure")
+        << message << u"ana b@example.com"_qs << QString() << u"Error creating eMail: ana b@example.com"_qs;
+    QTest::newRow("mail, not cleaned") << mail << u"ana.b-c@example.com"_qs << u"mailto:ana.b-c@example.com"_qs
+                                       << QString();
+    QTest::newRow("mail, blank is no address")
+        << mail << u"bob smith@example.com"_qs << QString() << u"Error creating eMail: bob smith@example.com"_qs;
+    QTest::newRow("mail, attachment refused") << mail << u"bob@example.com?attach=/etc/passwd"_qs << QString()
+                                              << u"Error creating eMail: bob@example.com?attach=/etc/passwd"_qs;
+    QTest::newRow("mail, subject allowed")
+        << mail << u"bob@example.com?subject=Hello"_qs << u"mailto:bob@example.com?subject=Hello"_qs << QString();
+}
+
+void tst_CallsManager::directLaunches()
+{
+    QFETCH(Launch, launch);
+    QFETCH(QString, destination);
+    QFETCH(QString, opened);
+    QFETCH(QString, failureText);
+
+    const CallResult result = launch(*m_manager, destination);
+    if (failureText.isEmpty()) {
+        QVERIFY(result.isSuccess());
+        QCOMPARE(result.value(), destination);
+        QCOMPARE(m_workspace.opened, QStringList{opened});
+    } else {
+        QVERIFY(!result.isSuccess());
+        QCOMPARE(result.error(), CallsManagerError::errorCreatingCall(failureText));
+        QCOMPARE(result.error().errorDescription(), u"Error Creating call in Workspace with number: " + failureText);
+        QVERIFY(m_workspace.opened.isEmpty());
+    }
+}
+
+void tst_CallsManager::errorDescriptions_data()
+{
+    QTest::addColumn<CallsManagerError::Case>("errorCase");
+    QTest::addColumn<QString>("description");
+    QTest::newRow("invalidNumber") << CallsManagerError::Case::invalidNumber
+                                   << u"Invalid Number used for CallManager API with number: x"_qs;
+    QTest::newRow("invalidTelcoType") << CallsManagerError::Case::invalidTelcoType << u"Telco not supported: x"_qs;
+    QTest::newRow("errorCreatingCall") << CallsManagerError::Case::errorCreatingCall
+                                       << u"Error Creating call in Workspace with number: x"_qs;
+    QTest::newRow("errorCreatingTelco") << CallsManagerError::Case::errorCreatingTelco
+                                        << u"Error Creating telco in browser: x"_qs;
+    QTest::newRow("errorCreatingeMail") << CallsManagerError::Case::errorCreatingeMail << u"Error Creating eMail: x"_qs;
+}
+
+void tst_CallsManager::errorDescriptions()
+{
+    QFETCH(CallsManagerError::Case, errorCase);
+    QFETCH(QString, description);
+    QCOMPARE(CallsManagerError(errorCase, u"x"_qs).errorDescription(), description);
+}
+
+void tst_CallsManager::callTypeForURL_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<CallTypes>("type");
+    QTest::newRow("meet") << u"https://meet.google.com/abc-defg-hij"_qs << CallTypes::googleMeet;
+    QTest::newRow("new meet is meet") << u"https://meet.google.com/new"_qs << CallTypes::googleMeet;
+    QTest::newRow("zoom with meet part is meet")
+        << u"https://zoom.us/j/1?x=https://meet.google.com/"_qs << CallTypes::googleMeet;
+    QTest::newRow("jitsi") << u"https://meet.jit.si/Room"_qs << CallTypes::jitsi;
+    QTest::newRow("zoom") << u"https://us02web.zoom.us/j/8?pwd=x"_qs << CallTypes::zoom;
+    QTest::newRow("webex") << u"https://acme.webex.com/meet/bob"_qs << CallTypes::webex;
+    QTest::newRow("meet host without slash") << u"https://meet.google.com"_qs << CallTypes::notRecognized;
+    QTest::newRow("case-sensitive") << u"HTTPS://MEET.GOOGLE.COM/x"_qs << CallTypes::notRecognized;
+    QTest::newRow("other site") << u"https://example.com/zoom"_qs << CallTypes::notRecognized;
+    QTest::newRow("skype is never recognised") << u"skype://?chat"_qs << CallTypes::notRecognized;
+    QTest::newRow("empty") << QString() << CallTypes::notRecognized;
+}
+
+void tst_CallsManager::callTypeForURL()
+{
+    QFETCH(QString, text);
+    QFETCH(CallTypes, type);
+    QCOMPARE(CallsManager::callTypeForURL(text), type);
+}
+
+void tst_CallsManager::openTelcoUnrecognised()
+{
+    Trace::Capture capture;
+    std::optional<CallResult> result;
+    m_manager->openTelco(u"https://example.com/x"_qs, [&](const CallResult &r) { result = r; });
+    QVERIFY(result.has_value());
+    QCOMPARE(*result, CallResult::failure(CallsManagerError::invalidTelcoType(
+                          u"Attempt to open Telco of type: 'https://example.com/x'"_qs)));
+    QCOMPARE(result->error().errorDescription(),
+             u"Telco not supported: Attempt to open Telco of type: 'https://example.com/x'"_qs);
+    QVERIFY(m_workspace.opened.isEmpty());
+    QVERIFY(capture.lines().isEmpty());
+    QCOMPARE(m_manager->typeOfLastCall(), CallTypes::notRecognized);
+}
+
+void tst_CallsManager::openTelcoInDefaultBrowser()
+{
+    m_preferences->setValue(PreferenceKey::useChromeAsDefaultBrowser, false);
+    Trace::Capture capture;
+    std::optional<CallResult> result;
+    const QString link = u"https://us02web.zoom.us/j/123"_qs;
+    m_manager->openTelco(link, [&](const CallResult &r) { result = r; });
+    QCOMPARE(result, std::optional(CallResult::success(link)));
+    QCOMPARE(m_workspace.opened, QStringList{link});
+    QVERIFY(m_workspace.openedWithApplication.isEmpty());
+    QCOMPARE(m_manager->typeOfLastCall(), CallTypes::zoom);
+    QCOMPARE(capture.lines(), QStringList{u"Openning URL From Clipboard: " + link});
+}
+
+void tst_CallsManager::openTelcoInChrome()
+{
+    Trace::Capture capture;
+    const QString link = u"https://meet.google.com/abc-defg-hij"_qs;
+    m_manager->openTelco(link, [](const CallResult &) {});
+    QCOMPARE(m_workspace.openedWithApplication, QStringList{u"Google Chrome|" + link});
+    QCOMPARE(m_manager->typeOfLastCall(), CallTypes::googleMeet);
+    QTRY_COMPARE(capture.lines(), (QStringList{u"Openning URL From Clipboard: " + link,
+                                               u"Successfully openned URL " + link + u" call in google-chrome"}));
+    QVERIFY(m_workspace.opened.isEmpty());
+}
+
+void tst_CallsManager::chromeFailureFallsBackToDefaultBrowser()
+{
+    m_workspace.applicationError = u"The application “Google Chrome” could not be found."_qs;
+    Trace::Capture capture;
+    const QString link = u"https://meet.jit.si/Room"_qs;
+    m_manager->openInChrome(link);
+    QTRY_COMPARE(m_workspace.opened, QStringList{link});
+    QCOMPARE(capture.lines(), QStringList{m_workspace.applicationError});
+}
+
+void tst_CallsManager::preferencesReadAtEachUse()
+{
+    const QString link = u"https://meet.jit.si/Room"_qs;
+    Preferences elsewhere(m_preferences->filePath()); // the settings window's own handle on the same file
+    elsewhere.setValue(PreferenceKey::useChromeAsDefaultBrowser, false);
+    m_manager->openInBrowser(link);
+    QCOMPARE(m_workspace.opened.size(), 1);
+    elsewhere.setValue(PreferenceKey::useChromeAsDefaultBrowser, true);
+    m_manager->openInBrowser(link);
+    QCOMPARE(m_workspace.opened.size(), 1);
+    QCOMPARE(m_workspace.openedWithApplication.size(), 1);
+}
+
+void tst_CallsManager::hostileMeetingText_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("useChrome");
+    QTest::addColumn<QString>("refusal"); // the trace written instead of opening; empty when rejected earlier
+
+    const QString chromeRefusal = u"Error creating URL for Chrome"_qs;
+    const QString defaultRefusal = u"Error creating URL for Default Browser"_qs;
+    const QString huge =
+        QString(5 * 1024 * 1024, u'x') + u"https://meet.google.com/abc" + QString(5 * 1024 * 1024, u'y');
+    const QList<std::pair<const char *, QString>> inputs = {
+        {"switch before link", u"--renderer-cmd-prefix=/tmp/x https://meet.google.com/"_qs},
+        {"javascript", u"javascript:alert(1)//https://zoom.us/j/1"_qs},
+        {"file", u"file:///etc/passwd?https://meet.google.com/"_qs},
+        {"bidi override", u"https://meet.google.com/abc\u202Eexe.fdp"_qs},
+        {"zero-width space", u"https://meet.google.com/ab\u200Bc"_qs},
+        {"newline then switch", u"https://meet.google.com/abc\n--no-sandbox"_qs},
+        {"data with zoom part", u"data:text/html,<script>location='https://zoom.us/j/1'</script>"_qs},
+        {"10 MB text", huge},
+    };
+    for (const auto &[name, text] : inputs) {
+        QTest::addRow("%s, Chrome", name) << text << true << chromeRefusal;
+        QTest::addRow("%s, default browser", name) << text << false << defaultRefusal;
+    }
+    // Not recognised as meetings at all: refused before any browser is chosen.
+    QTest::newRow("user info") << u"https://meet.google.com@evil.example/x"_qs << true << QString();
+    QTest::newRow("backslash user info") << u"https://evil.example\\@meet.google.com/x"_qs << true << QString();
+}
+
+void tst_CallsManager::hostileMeetingText()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, useChrome);
+    QFETCH(QString, refusal);
+    m_preferences->setValue(PreferenceKey::useChromeAsDefaultBrowser, useChrome);
+
+    Trace::Capture capture;
+    std::optional<CallResult> result;
+    m_manager->openTelco(text, [&](const CallResult &r) { result = r; });
+    QVERIFY(result.has_value());
+    QCoreApplication::processEvents();
+    QVERIFY(m_workspace.opened.isEmpty());
+    QVERIFY(m_workspace.openedWithApplication.isEmpty());
+    if (refusal.isEmpty()) {
+        QVERIFY(!result->isSuccess());
+        QCOMPARE(result->error().errorCase(), CallsManagerError::Case::invalidTelcoType);
+    } else {
+        QVERIFY(capture.lines().contains(refusal));
+    }
+}
+
+void tst_CallsManager::lastCallDestinationClipboardRule_data()
+{
+    QTest::addColumn<bool>("copy");
+    QTest::addColumn<QString>("previous");
+    QTest::addColumn<QString>("next");
+    QTest::addColumn<QString>("clipboard");
+    const QString link = u"https://meet.google.com/abc-defg-hij"_qs;
+    QTest::newRow("clearing a found address copies it") << true << link << QString() << link;
+    QTest::newRow("storing after a clear copies nothing") << true << QString() << link << u"untouched"_qs;
+    QTest::newRow("the replaced value is copied, not the new one") << true << link << u"other"_qs << link;
+    QTest::newRow("copying off") << false << link << QString() << u"untouched"_qs;
+}
+
+void tst_CallsManager::lastCallDestinationClipboardRule()
+{
+    QFETCH(bool, copy);
+    QFETCH(QString, previous);
+    QFETCH(QString, next);
+    QFETCH(QString, clipboard);
+
+    m_manager->setLastCallDestinationValue(previous);
+    QGuiApplication::clipboard()->setText(u"untouched"_qs);
+    m_preferences->setValue(PreferenceKey::copyNumberURLToClipBoard, copy);
+    m_manager->setLastCallDestinationValue(next);
+    QCOMPARE(m_manager->lastCallDestinationValue(), next);
+    QCOMPARE(QGuiApplication::clipboard()->text(), clipboard);
+}
+
+void tst_CallsManager::scripts()
+{
+    QCOMPARE(CallsManager::myAppleScriptSafari.size(), 1002);
+    QCOMPARE(CallsManager::myAppleScriptChrome.size(), 1009);
+    QVERIFY(CallsManager::myAppleScriptSafari.startsWith(u"        set windows_list to {}\n\n        tell application "
+                                                         u"\"Safari\"\n"));
+    QVERIFY(CallsManager::myAppleScriptSafari.endsWith(u"        end tell"));
+    QCOMPARE(QString(CallsManager::myAppleScriptSafari).replace(u"\"Safari\""_qs, u"\"Google Chrome\""_qs),
+             CallsManager::myAppleScriptChrome);
+}
+
+void tst_CallsManager::sharedUsesCollaboratorsGivenBeforeFirstUse()
+{
+    static RecordingWorkspace workspace;
+    static Preferences preferences(m_home->configHome() + u"/shared.conf");
+    CallsManager::setSharedCollaborators(&workspace, &preferences, &m_clipboard);
+    CallsManager &shared = CallsManager::shared();
+    QCOMPARE(&CallsManager::shared(), &shared);
+    QVERIFY(shared.makePhoneCall(u"600 1"_qs).isSuccess());
+    QCOMPARE(workspace.opened, QStringList{u"tel://6001"_qs});
+}
+
+QTEST_MAIN(tst_CallsManager)
+#include "tst_CallsManager.moc"

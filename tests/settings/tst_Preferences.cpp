@@ -1,0 +1,79 @@
+#include "settings/Preferences.h"
+#include "support/TestHome.h"
+
+#include <QFile>
+#include <QSignalSpy>
+#include <QTest>
+
+class tst_Preferences : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void defaults_data();
+    void defaults();
+    void writtenValuesSurviveAndAreSeenElsewhere();
+    void byName();
+
+private:
+    TestHome m_home;
+};
+
+void tst_Preferences::defaults_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("value");
+    QTest::newRow("useChromeAsDefaultBrowser") << u"useChromeAsDefaultBrowser"_qs << true;
+    QTest::newRow("copyNumberURLToClipBoard") << u"copyNumberURLToClipBoard"_qs << true;
+    QTest::newRow("fixedQuoteOnStartup") << u"fixedQuoteOnStartup"_qs << false;
+    QTest::newRow("updateWeatherInfoEveryHour") << u"updateWeatherInfoEveryHour"_qs << true;
+    QTest::newRow("quickActionIsSetForPhoneCalls") << u"quickActionIsSetForPhoneCalls"_qs << true;
+    QTest::newRow("quickActionIsSetForText") << u"quickActionIsSetForText"_qs << true;
+    QTest::newRow("quickActionIsSetForEmails") << u"quickActionIsSetForEmails"_qs << true;
+    QTest::newRow("quickActionIsSetForFacetimeCalls") << u"quickActionIsSetForFacetimeCalls"_qs << false;
+    QTest::newRow("quickActionIsSetForFacetimeAudioCalls") << u"quickActionIsSetForFacetimeAudioCalls"_qs << false;
+    QTest::newRow("quickActionIsSetForSkype") << u"quickActionIsSetForSkype"_qs << false;
+}
+
+void tst_Preferences::defaults()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, value);
+    Preferences preferences(m_home.configHome() + u"/fresh.conf");
+    QCOMPARE(preferences.boolValue(name), value);
+    QVERIFY2(!QFile::exists(preferences.filePath()), "reading defaults writes nothing");
+}
+
+void tst_Preferences::writtenValuesSurviveAndAreSeenElsewhere()
+{
+    QCOMPARE(Preferences::defaultFilePath(), m_home.configHome() + u"/telverra/telverra.conf");
+    Preferences first(Preferences::defaultFilePath());
+    Preferences second(Preferences::defaultFilePath());
+    QVERIFY(second.value(PreferenceKey::useChromeAsDefaultBrowser));
+
+    QSignalSpy changed(&first, &Preferences::valueChanged);
+    first.setValue(PreferenceKey::useChromeAsDefaultBrowser, false);
+    QCOMPARE(changed.size(), 1);
+    QCOMPARE(changed.at(0).at(0).toString(), u"useChromeAsDefaultBrowser"_qs);
+    QVERIFY2(!second.value(PreferenceKey::useChromeAsDefaultBrowser), "a change is seen at the next read");
+    QVERIFY(QFile::exists(Preferences::defaultFilePath()));
+
+    // What another process wrote straight into the file is seen too.
+    QSettings outside(Preferences::defaultFilePath(), QSettings::IniFormat);
+    outside.setValue(u"fixedQuoteOnStartup"_qs, true);
+    outside.sync();
+    QVERIFY(first.value(PreferenceKey::fixedQuoteOnStartup));
+}
+
+void tst_Preferences::byName()
+{
+    Preferences preferences(m_home.configHome() + u"/named.conf");
+    preferences.setBoolValue(u"quickActionIsSetForSkype"_qs, true);
+    QVERIFY(preferences.value(PreferenceKey::quickActionIsSetForSkype));
+    QSignalSpy changed(&preferences, &Preferences::valueChanged);
+    preferences.setBoolValue(u"noSuchKey"_qs, true);
+    QCOMPARE(changed.size(), 0);
+    QVERIFY(!preferences.boolValue(u"noSuchKey"_qs));
+}
+
+QTEST_GUILESS_MAIN(tst_Preferences)
+#include "tst_Preferences.moc"
