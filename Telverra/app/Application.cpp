@@ -1,5 +1,7 @@
 #include "Application.h"
 
+#include "store/CoreDataManager.h"
+
 #include <QCommandLineParser>
 #include <QDirIterator>
 #include <QGuiApplication>
@@ -84,6 +86,9 @@ int run(int argc, char *argv[])
     if (parser.isSet(selfTestOption)) {
         return selfTest();
     }
+
+    // The store is loaded before any window: a store that cannot be loaded stops the process here.
+    CoreDataManager::shared();
 
     QQmlApplicationEngine engine;
     prepareEngine(engine);

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "store/Entities.h"
+
+#include <QObject>
+
+class CoreDataManager;
+
+/// The user's favourites in the store: saved meeting links ("telcos") and favourite contacts, each list ascending
+/// by its order index. Never reloads on its own: callers fetch again after a change.
+class FavoritesDataService : public QObject
+{
+    Q_OBJECT
+public:
+    /// Fetches both lists at once, which loads the store on first use. Works on the shared store unless given another.
+    explicit FavoritesDataService(CoreDataManager *store = nullptr, QObject *parent = nullptr);
+
+    const QList<FavoriteTelcoEntityPtr> &savedFavoriteTelcos() const { return m_savedFavoriteTelcos; }
+    const QList<FavoriteContactEntityPtr> &savedFavoriteContacts() const { return m_savedFavoriteContacts; }
+    /// Nothing fills this list: favourite actions are kept in the store's model only.
+    const QList<FavoriteActionEntityPtr> &savedFavoriteActions() const { return m_savedFavoriteActions; }
+
+    void fetchFavoriteTelcos();
+    void fetchFavoriteContacts();
+    /// orderIndex is the current length of the list, so the new link sorts last when the list is fresh.
+    void addFavoriteTelco(const QString &name, const QString &type, const QString &value);
+    void addFavoriteContact(const QString &givenName, const QString &familyName, const QString &contactID);
+    /// The stored favourite contacts with exactly this identifier; empty when the fetch fails.
+    QList<FavoriteContactEntityPtr> favoriteContacts(const QString &contactID);
+    void removeFavoriteContact(const QString &contactID);
+    void deleteAllFavoriteTelcos();
+    void deleteAllFavoriteContacts();
+    /// Deletes one saved link and saves (the favourites screen's "Remove from Favorites").
+    void deleteFavoriteTelco(const FavoriteTelcoEntityPtr &telco);
+
+Q_SIGNALS:
+    void savedFavoriteTelcosChanged();
+    void savedFavoriteContactsChanged();
+
+private:
+    CoreDataManager &store() const;
+    template<class T>
+    void deleteEach(const QList<std::shared_ptr<T>> &records);
+
+    CoreDataManager *m_store;
+    QList<FavoriteTelcoEntityPtr> m_savedFavoriteTelcos;
+    QList<FavoriteContactEntityPtr> m_savedFavoriteContacts;
+    QList<FavoriteActionEntityPtr> m_savedFavoriteActions;
+};

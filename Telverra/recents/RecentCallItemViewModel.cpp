@@ -1,0 +1,44 @@
+#include "RecentCallItemViewModel.h"
+
+#include "calls/CallTypes.h"
+
+RecentCallItemViewModel::RowKind RecentCallItemViewModel::rowKind(const QString &storedCallType)
+{
+    const std::optional<CallTypes> type = callTypesFromRawValue(storedCallType);
+    if (!type) {
+        return RowKind::none;
+    }
+    switch (*type) {
+    case CallTypes::telephone:
+    case CallTypes::mail:
+    case CallTypes::facetime:
+    case CallTypes::facetimeaudio:
+    case CallTypes::messages:
+        return RowKind::personal;
+    case CallTypes::googleMeet:
+    case CallTypes::googleMeetNew:
+    case CallTypes::webex:
+    case CallTypes::zoom:
+    case CallTypes::jitsi:
+        return RowKind::meeting;
+    default:
+        return RowKind::none;
+    }
+}
+
+QString RecentCallItemViewModel::relativeDateText(const QDateTime &date, const QDateTime &now, const QLocale &locale)
+{
+    const QDate day = date.date();
+    const QDate today = now.date();
+    if (day == today) {
+        return QStringLiteral("today");
+    }
+    if (day == today.addDays(-1)) {
+        return QStringLiteral("yesterday");
+    }
+    const QDateTime weekStart = today.addDays(-7).startOfDay();
+    if (date <= now && date >= weekStart) {
+        return locale.standaloneDayName(day.dayOfWeek(), QLocale::LongFormat);
+    }
+    return locale.toString(date, u"d MMM, yyyy");
+}

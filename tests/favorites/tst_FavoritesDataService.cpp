@@ -1,0 +1,212 @@
+#include "common/Trace.h"
+#include "favorites/FavoritesDataService.h"
+#include "store/CoreDataManager.h"
+#include "support/StoreProbe.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+template<class T, class F>
+QStringList project(const QList<std::shared_ptr<T>> &records, F field)
+{
+    QStringList values;
+    for (const auto &record : records) {
+        values.append(field(*record));
+    }
+    return values;
+}
+} // namespace
+
+class tst_FavoritesDataService : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void constructionFetchesBothLists();
+    void orderIndexIsTheCurrentCount_data();
+    void orderIndexIsTheCurrentCount();
+    void sameLinkTwiceGivesTwoRecords();
+    void favoriteContactsByIdentifier();
+    void removeFavoriteContactRemovesEveryCopy();
+    void deleteAllOnEmptyListSavesNothing();
+    void deleteAllTelcosAndContacts();
+    void actionsStayEmpty();
+    void fetchFailuresKeepLists_data();
+    void fetchFailuresKeepLists();
+
+private:
+    QString storeFile() const { return m_dir->path() + u"/Telverra.sqlite"; }
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<CoreDataManager> m_store;
+};
+
+void tst_FavoritesDataService::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>();
+    m_store = std::make_unique<CoreDataManager>(storeFile());
+}
+
+void tst_FavoritesDataService::cleanup()
+{
+    m_store.reset();
+    m_dir.reset();
+}
+
+void tst_FavoritesDataService::constructionFetchesBothLists()
+{
+    {
+        FavoritesDataService writer(m_store.get());
+        writer.addFavoriteTelco(u"Standup"_qs, u"meet"_qs, u"https://meet.google.com/abc"_qs);
+        writer.addFavoriteContact(u"Ana"_qs, u"García"_qs, u"C1"_qs);
+    }
+    FavoritesDataService service(m_store.get());
+    QCOMPARE(project(service.savedFavoriteTelcos(), [](const auto &t) { return t.telcoName(); }),
+             QStringList{u"Standup"_qs});
+    QCOMPARE(project(service.savedFavoriteContacts(), [](const auto &c) { return c.familyName(); }),
+             QStringList{u"García"_qs});
+}
+
+void tst_FavoritesDataService::orderIndexIsTheCurrentCount_data()
+{
+    QTest::addColumn<bool>("reloadBetween");
+    QTest::addColumn<QList<int>>("indexes");
+    QTest::newRow("reloaded between additions") << true << QList<int>{0, 1, 2};
+    QTest::newRow("no reloads: all get 0") << false << QList<int>{0, 0, 0};
+}
+
+void tst_FavoritesDataService::orderIndexIsTheCurrentCount()
+{
+    QFETCH(bool, reloadBetween);
+    QFETCH(QList<int>, indexes);
+    FavoritesDataService service(m_store.get());
+    for (const QString &name : {u"a"_qs, u"b"_qs, u"c"_qs}) {
+        service.addFavoriteTelco(name, u"zoom"_qs, u"https://zoom.us/j/"_qs + name);
+        service.addFavoriteContact(name, name, u"id-"_qs + name);
+        if (reloadBetween) {
+            service.fetchFavoriteTelcos();
+            service.fetchFavoriteContacts();
+        }
+    }
+    service.fetchFavoriteTelcos();
+    service.fetchFavoriteContacts();
+    QList<int> telcoIndexes;
+    for (const auto &telco : service.savedFavoriteTelcos()) {
+        telcoIndexes.append(telco->orderIndex());
+    }
+    QList<int> contactIndexes;
+    for (const auto &contact : service.savedFavoriteContacts()) {
+        contactIndexes.append(contact->orderIndex());
+    }
+    QCOMPARE(telcoIndexes, indexes);
+    QCOMPARE(contactIndexes, indexes);
+}
+
+void tst_FavoritesDataService::sameLinkTwiceGivesTwoRecords()
+{
+    FavoritesDataService service(m_store.get());
+    service.addFavoriteTelco(u"x"_qs, u"meet"_qs, u"https://meet.google.com/abc"_qs);
+    service.addFavoriteTelco(u"x"_qs, u"meet"_qs, u"https://meet.google.com/abc"_qs);
+    QSignalSpy published(&service, &FavoritesDataService::savedFavoriteTelcosChanged);
+    QCOMPARE(service.savedFavoriteTelcos().size(), 0); // not reloaded by an add
+    service.fetchFavoriteTelcos();
+    QCOMPARE(published.size(), 1);
+    QCOMPARE(service.savedFavoriteTelcos().size(), 2);
+}
+
+void tst_FavoritesDataService::favoriteContactsByIdentifier()
+{
+    FavoritesDataService service(m_store.get());
+    service.addFavoriteContact(u"A"_qs, u"B"_qs, u"abc"_qs);
+    service.addFavoriteContact(u"C"_qs, u"D"_qs, u"ABC"_qs);
+    QCOMPARE(service.favoriteContacts(u"abc"_qs).size(), 1);
+    QCOMPARE(service.favoriteContacts(u"ABC"_qs).at(0)->givenName(), u"C"_qs);
+    QVERIFY(service.favoriteContacts(u"ab"_qs).isEmpty());
+}
+
+void tst_FavoritesDataService::removeFavoriteContactRemovesEveryCopy()
+{
+    FavoritesDataService service(m_store.get());
+    service.addFavoriteContact(u"A"_qs, u"B"_qs, u"twice"_qs);
+    service.addFavoriteContact(u"A"_qs, u"B"_qs, u"twice"_qs);
+    service.addFavoriteContact(u"E"_qs, u"F"_qs, u"other"_qs);
+    service.removeFavoriteContact(u"twice"_qs);
+    service.removeFavoriteContact(u"missing"_qs);
+    service.fetchFavoriteContacts();
+    QCOMPARE(project(service.savedFavoriteContacts(), [](const auto &c) { return c.contactID(); }),
+             QStringList{u"other"_qs});
+    QCOMPARE(StoreProbe::scalar(storeFile(), u"SELECT count(*) FROM FavoriteContactEntity"_qs), 1);
+}
+
+void tst_FavoritesDataService::deleteAllOnEmptyListSavesNothing()
+{
+    m_store.reset();
+    CoreDataManager readOnly(storeFile(), PersistentContainer::OpenMode::ReadOnly);
+    FavoritesDataService service(&readOnly);
+    Trace::Capture capture;
+    service.deleteAllFavoriteTelcos();
+    service.deleteAllFavoriteContacts();
+    QVERIFY2(capture.lines().isEmpty(), "a save into the read-only store would have written a line");
+}
+
+void tst_FavoritesDataService::deleteAllTelcosAndContacts()
+{
+    FavoritesDataService service(m_store.get());
+    service.addFavoriteTelco(u"a"_qs, u"zoom"_qs, u"https://zoom.us/j/1"_qs);
+    service.addFavoriteTelco(u"b"_qs, u"zoom"_qs, u"https://zoom.us/j/2"_qs);
+    service.addFavoriteContact(u"A"_qs, u"B"_qs, u"c1"_qs);
+    service.fetchFavoriteTelcos();
+    service.fetchFavoriteContacts();
+    service.deleteAllFavoriteTelcos();
+    service.deleteAllFavoriteContacts();
+    QCOMPARE(service.savedFavoriteTelcos().size(), 2); // the caller reloads
+    service.fetchFavoriteTelcos();
+    service.fetchFavoriteContacts();
+    QVERIFY(service.savedFavoriteTelcos().isEmpty());
+    QVERIFY(service.savedFavoriteContacts().isEmpty());
+    QCOMPARE(StoreProbe::scalar(storeFile(), u"SELECT count(*) FROM FavoriteTelcoEntity"_qs), 0);
+}
+
+void tst_FavoritesDataService::actionsStayEmpty()
+{
+    auto action = m_store->viewContext().insertNewObject<FavoriteActionEntity>();
+    action->setActionValue(u"600"_qs);
+    m_store->save();
+    FavoritesDataService service(m_store.get());
+    QVERIFY(service.savedFavoriteActions().isEmpty());
+}
+
+void tst_FavoritesDataService::fetchFailuresKeepLists_data()
+{
+    QTest::addColumn<QString>("table");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("telcos") << u"FavoriteTelcoEntity"_qs << u"- Couldn't fetch saved favorite telcos:no such table"_qs;
+    QTest::newRow("contacts") << u"FavoriteContactEntity"_qs
+                              << u"- Couldn't fetch saved favorite Cotnacts:no such table"_qs;
+}
+
+void tst_FavoritesDataService::fetchFailuresKeepLists()
+{
+    QFETCH(QString, table);
+    QFETCH(QString, line);
+    FavoritesDataService service(m_store.get());
+    service.addFavoriteTelco(u"a"_qs, u"zoom"_qs, u"https://zoom.us/j/1"_qs);
+    service.addFavoriteContact(u"A"_qs, u"B"_qs, u"c1"_qs);
+    service.fetchFavoriteTelcos();
+    service.fetchFavoriteContacts();
+
+    QCOMPARE(StoreProbe::scalar(storeFile(), u"DROP TABLE "_qs + table), 0);
+    Trace::Capture capture;
+    service.fetchFavoriteTelcos();
+    service.fetchFavoriteContacts();
+    QCOMPARE(capture.lines().size(), 2);
+    QVERIFY2(capture.lines().at(1).startsWith(line), qPrintable(capture.lines().at(1)));
+    QCOMPARE(service.savedFavoriteTelcos().size(), 1);
+    QCOMPARE(service.savedFavoriteContacts().size(), 1);
+}
+
+QTEST_GUILESS_MAIN(tst_FavoritesDataService)
+#include "tst_FavoritesDataService.moc"
