@@ -1,6 +1,7 @@
 #include "FavoritesDataService.h"
 
 #include "common/Trace.h"
+#include "contacts/ContactStoreManager.h"
 #include "store/CoreDataManager.h"
 
 #include <limits>
@@ -17,9 +18,10 @@ qint32 nextOrderIndex(qsizetype count)
 }
 } // namespace
 
-FavoritesDataService::FavoritesDataService(CoreDataManager *store, QObject *parent)
+FavoritesDataService::FavoritesDataService(CoreDataManager *store, ContactStoreManager *contactStore, QObject *parent)
     : QObject(parent)
     , m_store(store)
+    , m_contactStore(contactStore ? contactStore : &ContactStoreManager::shared())
 {
     fetchFavoriteTelcos();
     fetchFavoriteContacts();

@@ -4,6 +4,7 @@
 
 #include <QObject>
 
+class ContactStoreManager;
 class CoreDataManager;
 
 /// The user's favourites in the store: saved meeting links ("telcos") and favourite contacts, each list ascending
@@ -13,7 +14,11 @@ class FavoritesDataService : public QObject
     Q_OBJECT
 public:
     /// Fetches both lists at once, which loads the store on first use. Works on the shared store unless given another.
-    explicit FavoritesDataService(CoreDataManager *store = nullptr, QObject *parent = nullptr);
+    explicit FavoritesDataService(CoreDataManager *store = nullptr, ContactStoreManager *contactStore = nullptr,
+                                  QObject *parent = nullptr);
+
+    /// The address book the favourite contacts are resolved against.
+    ContactStoreManager &contactStore() const { return *m_contactStore; }
 
     const QList<FavoriteTelcoEntityPtr> &savedFavoriteTelcos() const { return m_savedFavoriteTelcos; }
     const QList<FavoriteContactEntityPtr> &savedFavoriteContacts() const { return m_savedFavoriteContacts; }
@@ -43,6 +48,7 @@ private:
     void deleteEach(const QList<std::shared_ptr<T>> &records);
 
     CoreDataManager *m_store;
+    ContactStoreManager *m_contactStore;
     QList<FavoriteTelcoEntityPtr> m_savedFavoriteTelcos;
     QList<FavoriteContactEntityPtr> m_savedFavoriteContacts;
     QList<FavoriteActionEntityPtr> m_savedFavoriteActions;

@@ -1,4 +1,6 @@
 #include "common/Trace.h"
+#include "contacts/ContactStoreManager.h"
+#include "contacts/VCardDirectoryStore.h"
 #include "favorites/FavoritesDataService.h"
 #include "store/CoreDataManager.h"
 #include "support/StoreProbe.h"
@@ -44,8 +46,25 @@ private:
     std::unique_ptr<CoreDataManager> m_store;
 };
 
+// The favourites' address book: an empty one in a folder of the test's own.
+class EmptyAddressBook
+{
+public:
+    EmptyAddressBook()
+        : store(QStringList{dir.path()})
+        , manager(store)
+    {
+        ContactStoreManager::setSharedContactStore(&store);
+    }
+    QTemporaryDir dir;
+    VCardDirectoryStore store;
+    ContactStoreManager manager;
+};
+Q_GLOBAL_STATIC(EmptyAddressBook, addressBook)
+
 void tst_FavoritesDataService::init()
 {
+    addressBook(); // before anything asks for the shared address book
     m_dir = std::make_unique<QTemporaryDir>();
     m_store = std::make_unique<CoreDataManager>(storeFile());
 }
@@ -64,6 +83,8 @@ void tst_FavoritesDataService::constructionFetchesBothLists()
         writer.addFavoriteContact(u"Ana"_qs, u"García"_qs, u"C1"_qs);
     }
     FavoritesDataService service(m_store.get());
+    QCOMPARE(&service.contactStore(), &ContactStoreManager::shared());
+    QCOMPARE(&service.contactStore().contactStore(), &addressBook->store);
     QCOMPARE(project(service.savedFavoriteTelcos(), [](const auto &t) { return t.telcoName(); }),
              QStringList{u"Standup"_qs});
     QCOMPARE(project(service.savedFavoriteContacts(), [](const auto &c) { return c.familyName(); }),

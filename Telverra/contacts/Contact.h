@@ -1,0 +1,51 @@
+#pragma once
+
+#include "VCardContact.h"
+
+#include <QList>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+
+/// A number with its kind. Part of the contact record, though nothing fills it today.
+struct NumberStruct
+{
+    QString value;
+    QString type;
+    friend bool operator==(const NumberStruct &, const NumberStruct &) = default;
+};
+
+/// Which of a contact's details the user picked in a contact row.
+enum class TypeOfContactDetails
+{
+    phoneNumbers,
+    eMailAccounts,
+    socialAccounts
+};
+
+/// A contact as the screens pass it around: the address book's record and four collections that are kept empty;
+/// screens compute a contact's numbers and addresses on demand with the label groupings.
+struct Contact
+{
+    VCardContact contact;
+    QList<NumberStruct> phoneNumbers;
+    QMap<QString, QStringList> alleMails;
+    QMap<QString, QStringList> allSocialAccounts;
+    QMap<QString, QString> allAdresses;
+
+    /// The address book's identifier of the contact.
+    const QString &id() const { return contact.identifier; }
+
+    /// Prefix, given, middle, family and suffix names joined by single blanks; empty when all are empty.
+    static QString fullName(const VCardContact &contact);
+    QString fullName() const { return fullName(contact); }
+};
+
+namespace ContactLabels {
+/// The user-visible form of a stored label: "_$!<Mobile>!$_" is "mobile", "_$!<HomeFAX>!$_" "home fax"; a custom
+/// label is shown as written.
+QString localizedString(const QString &label);
+/// The contact's numbers grouped by visible label (no label: "other"), each group in stored order.
+QMap<QString, QStringList> phoneNumbersByLabel(const VCardContact &contact);
+QMap<QString, QStringList> emailAddressesByLabel(const VCardContact &contact);
+} // namespace ContactLabels

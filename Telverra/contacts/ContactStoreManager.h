@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Contact.h"
+#include "ContactStore.h"
+#include "ContactStoreManagerError.h"
+
+#include <QObject>
+
+#include <functional>
+#include <optional>
+#include <variant>
+
+/// The one gate to the address book, shared by the contacts service and the favourites.
+class ContactStoreManager : public QObject
+{
+    Q_OBJECT
+public:
+    using AccessResult = std::variant<bool, ContactStoreManagerError>;
+    using FetchResult = std::variant<QList<VCardContact>, ContactStoreManagerError>;
+
+    explicit ContactStoreManager(ContactStore &store, QObject *parent = nullptr);
+
+    /// The process's manager, made on first use over the desktop's vCard folders, or over the store given to
+    /// setSharedContactStore() before that first use.
+    static ContactStoreManager &shared();
+    static void setSharedContactStore(ContactStore *store);
+
+    /// The keys a full fetch asks for, and those of a fetch by identifier (the same fourteen in another order).
+    static const QStringList defaultKeys;
+    static const QStringList identifierKeys;
+
+    ContactStore &contactStore() const { return m_store; }
+
+    /// Asks for access. When the store reports an error the completion runs twice: first with permissionError,
+    /// then with the granted flag.
+    void requestAccess(const std::function<void(const AccessResult &)> &completion);
+    /// Every container's contacts, in container order. A failing container is reported through the completion and
+    /// skipped; the completion then runs once more with everything that could be read.
+    void fetchAllContacts(const std::optional<QStringList> &keys,
+                          const std::function<void(const FetchResult &)> &completion);
+    /// One contact by identifier, with its collections empty; nothing (and a line) when it cannot be fetched.
+    std::optional<Contact> fetchContact(const QString &identifier);
+
+private:
+    ContactStore &m_store;
+};

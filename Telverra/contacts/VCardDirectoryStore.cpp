@@ -1,0 +1,262 @@
+#include "VCardDirectoryStore.h"
+
+#include "VCardReader.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QStandardPaths>
+
+namespace {
+
+const QString rootMarker = QStringLiteral("book:");
+
+QString dataHome()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+}
+
+QString expandPath(QString path)
+{
+    path = path.trimmed();
+    if (path.size() >= 2 && (path.front() == u'"' || path.front() == u'\'') && path.back() == path.front()) {
+        path = path.sliced(1, path.size() - 2);
+    }
+    if (path.startsWith(u"~/") || path == u"~") {
+        path = QDir::homePath() + path.sliced(1);
+    }
+    static const QRegularExpression variable(QStringLiteral("\\$\\{?([A-Za-z_][A-Za-z0-9_]*)\\}?"));
+    QRegularExpressionMatch match;
+    while ((match = variable.match(path)).hasMatch()) {
+        path.replace(match.capturedStart(), match.capturedLength(),
+                     qEnvironmentVariable(match.captured(1).toLatin1().constData()));
+    }
+    return QDir::cleanPath(path);
+}
+
+// The "path = …" entries of the [addressbooks] section of khard's configuration.
+QStringList khardBooks()
+{
+    const QString configHome = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    QFile config(configHome + u"/khard/khard.conf");
+    if (!config.open(QIODevice::ReadOnly | QIODevice::Text) || config.size() > 1024 * 1024) {
+        return {};
+    }
+    QStringList books;
+    bool inBooks = false;
+    const QStringList lines = QString::fromUtf8(config.readAll()).split(u'\n');
+    for (const QString &raw : lines) {
+        const QString line = raw.trimmed();
+        if (line.startsWith(u'[') && !line.startsWith(u"[[")) {
+            inBooks = line.compare(u"[addressbooks]", Qt::CaseInsensitive) == 0;
+            continue;
+        }
+        if (inBooks && line.startsWith(u"path")) {
+            const qsizetype equals = line.indexOf(u'=');
+            if (equals > 0 && line.first(equals).trimmed() == u"path") {
+                books.append(rootMarker + expandPath(line.sliced(equals + 1)));
+            }
+        }
+    }
+    return books;
+}
+
+} // namespace
+
+VCardDirectoryStore::VCardDirectoryStore(const QStringList &roots, QObject *parent)
+    : ContactStore(parent)
+{
+    for (const QString &root : roots.isEmpty() ? defaultRoots() : roots) {
+        if (root.startsWith(rootMarker)) {
+            m_roots.append({root.sliced(rootMarker.size()), true});
+        } else {
+            m_roots.append({QDir::cleanPath(root), false});
+        }
+    }
+    m_debounce.setSingleShot(true);
+    m_debounce.setInterval(debounceMilliseconds);
+    connect(&m_debounce, &QTimer::timeout, this, &VCardDirectoryStore::settle);
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, &m_debounce, qOverload<>(&QTimer::start));
+    connect(&m_watcher, &QFileSystemWatcher::fileChanged, &m_debounce, qOverload<>(&QTimer::start));
+    watch();
+}
+
+QStringList VCardDirectoryStore::defaultRoots()
+{
+    QStringList roots = khardBooks();
+    roots.append(defaultRoot());
+    roots.append(dataHome() + u"/kpeoplevcard");
+    return roots;
+}
+
+QString VCardDirectoryStore::defaultRoot()
+{
+    return dataHome() + u"/contacts";
+}
+
+ContactStore::AuthorizationStatus VCardDirectoryStore::authorizationStatus() const
+{
+    bool anyExists = false;
+    for (const Root &root : m_roots) {
+        const QFileInfo info(root.path);
+        if (!info.exists()) {
+            continue;
+        }
+        anyExists = true;
+        if (!info.isDir() || !info.isReadable() || !info.isExecutable()) {
+            return AuthorizationStatus::denied;
+        }
+    }
+    return anyExists ? AuthorizationStatus::authorized : AuthorizationStatus::notDetermined;
+}
+
+void VCardDirectoryStore::requestAccess(const std::function<void(bool, const QString &)> &completion)
+{
+    switch (authorizationStatus()) {
+    case AuthorizationStatus::notDetermined: {
+        // The first use: make the personal address book, as a desktop does (or the first folder given).
+        bool personal = m_roots.isEmpty();
+        for (const Root &candidate : std::as_const(m_roots)) {
+            personal = personal || candidate.path == defaultRoot();
+        }
+        const QString root = personal ? defaultRoot() : m_roots.constFirst().path;
+        if (!QDir().mkpath(root)) {
+            completion(false, u"The address book folder " + root + u" could not be created.");
+            return;
+        }
+        if (m_roots.isEmpty()) {
+            m_roots.append({root, false});
+        }
+        watch();
+        completion(true, {});
+        return;
+    }
+    case AuthorizationStatus::authorized:
+        completion(true, {});
+        return;
+    default:
+        completion(false, {});
+        return;
+    }
+}
+
+QStringList VCardDirectoryStore::vcardFiles(const QString &folder)
+{
+    QStringList files;
+    const QFileInfoList entries =
+        QDir(folder).entryInfoList({QStringLiteral("*.vcf"), QStringLiteral("*.VCF"), QStringLiteral("*.vcard")},
+                                   QDir::Files | QDir::Readable, QDir::Name);
+    for (const QFileInfo &entry : entries) {
+        if (entry.isFile()) { // regular files only: a FIFO or a device is never opened
+            files.append(entry.absoluteFilePath());
+        }
+    }
+    return files;
+}
+
+ContactStore::ContainersResult VCardDirectoryStore::containers()
+{
+    ContainersResult result;
+    for (const Root &root : std::as_const(m_roots)) {
+        const QFileInfo info(root.path);
+        if (!info.exists()) {
+            continue;
+        }
+        if (!info.isDir() || !info.isReadable() || !info.isExecutable()) {
+            result.error = u"The address book folder " + root.path + u" cannot be read.";
+            result.containers.clear();
+            return result;
+        }
+        if (root.isBook || !vcardFiles(root.path).isEmpty()) {
+            result.containers.append({root.path, info.fileName()});
+        }
+        if (root.isBook) {
+            continue;
+        }
+        const QFileInfoList books = QDir(root.path).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+        for (const QFileInfo &book : books) {
+            result.containers.append({book.absoluteFilePath(), book.fileName()});
+        }
+    }
+    return result;
+}
+
+ContactStore::ContactsResult VCardDirectoryStore::unifiedContacts(const QString &containerIdentifier)
+{
+    ContactsResult result;
+    const QFileInfo folder(containerIdentifier);
+    if (!folder.isDir() || !folder.isReadable() || !folder.isExecutable()) {
+        result.error = u"The address book " + containerIdentifier + u" cannot be read.";
+        return result;
+    }
+    for (const QString &file : vcardFiles(containerIdentifier)) {
+        result.contacts.append(VCardReader::readFile(file));
+    }
+    return result;
+}
+
+ContactStore::ContactResult VCardDirectoryStore::unifiedContact(const QString &identifier)
+{
+    if (!m_indexValid) {
+        m_byIdentifier.clear();
+        const ContainersResult all = containers();
+        for (const Container &container : all.containers) {
+            for (VCardContact &contact : unifiedContacts(container.identifier).contacts) {
+                if (!m_byIdentifier.contains(contact.identifier)) { // the first of duplicates, as a list shows them
+                    m_byIdentifier.insert(contact.identifier, std::move(contact));
+                }
+            }
+        }
+        m_indexValid = all.error.isEmpty();
+    }
+    const auto found = m_byIdentifier.constFind(identifier);
+    if (found == m_byIdentifier.cend()) {
+        return {std::nullopt, u"No contact with the identifier " + identifier + u" exists."};
+    }
+    return {*found, {}};
+}
+
+void VCardDirectoryStore::watch()
+{
+    if (!m_watcher.directories().isEmpty()) {
+        m_watcher.removePaths(m_watcher.directories());
+    }
+    if (!m_watcher.files().isEmpty()) {
+        m_watcher.removePaths(m_watcher.files());
+    }
+    QStringList paths;
+    for (const Root &root : std::as_const(m_roots)) {
+        // The parent too, so that a root made later is noticed.
+        const QString parent = QFileInfo(root.path).absolutePath();
+        if (QFileInfo(parent).isDir()) {
+            paths.append(parent);
+        }
+    }
+    const ContainersResult all = containers();
+    for (const Root &root : std::as_const(m_roots)) {
+        if (QFileInfo(root.path).isDir()) {
+            paths.append(root.path);
+        }
+    }
+    for (const Container &container : all.containers) {
+        paths.append(container.identifier);
+        // Files edited in place only show on the file itself; watched while the book is small enough to afford it.
+        const QStringList files = vcardFiles(container.identifier);
+        if (files.size() <= 1000) {
+            paths += files;
+        }
+    }
+    paths.removeDuplicates();
+    if (!paths.isEmpty()) {
+        m_watcher.addPaths(paths);
+    }
+}
+
+void VCardDirectoryStore::settle()
+{
+    m_indexValid = false;
+    m_byIdentifier.clear();
+    watch();
+    Q_EMIT didChange();
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "ContactStore.h"
+
+#include <QFileSystemWatcher>
+#include <QHash>
+#include <QTimer>
+
+/// The address book kept as vCard folders ("vdir"): each folder of .vcf files is one address book (a container).
+///
+/// Roots, in order: the address books listed in khard's configuration (each a container), then
+/// $XDG_DATA_HOME/contacts and $XDG_DATA_HOME/kpeoplevcard, whose sub-folders are containers (and the root itself
+/// when it holds .vcf files). Given folders replace these. Changes are watched and reported once things settle.
+class VCardDirectoryStore : public ContactStore
+{
+    Q_OBJECT
+public:
+    /// How long changes must settle before didChange() is emitted.
+    static constexpr int debounceMilliseconds = 300;
+
+    /// `roots` empty: the desktop's address books (defaultRoots()).
+    explicit VCardDirectoryStore(const QStringList &roots = {}, QObject *parent = nullptr);
+
+    /// khard's books (marked as containers themselves), then the XDG folders.
+    static QStringList defaultRoots();
+    /// $XDG_DATA_HOME/contacts: where requestAccess() makes an address book when none exists.
+    static QString defaultRoot();
+
+    AuthorizationStatus authorizationStatus() const override;
+    void requestAccess(const std::function<void(bool, const QString &)> &completion) override;
+    ContainersResult containers() override;
+    ContactsResult unifiedContacts(const QString &containerIdentifier) override;
+    ContactResult unifiedContact(const QString &identifier) override;
+
+private:
+    struct Root
+    {
+        QString path;
+        bool isBook = false; // khard's books are address books themselves, not folders of them
+    };
+    void watch();
+    void settle();
+    static QStringList vcardFiles(const QString &folder);
+
+    QList<Root> m_roots;
+    QFileSystemWatcher m_watcher;
+    QTimer m_debounce;
+    // Contacts by identifier, from the last full read; dropped on every change.
+    QHash<QString, VCardContact> m_byIdentifier;
+    bool m_indexValid = false;
+};

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "VCardContact.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+/// A tolerant reader of vCard 2.1, 3.0 and 4.0 as phones, mail programs and address books export them.
+///
+/// Linear in the size of the input. A property that cannot be read is dropped and its card kept; a card that cannot
+/// be read does not spoil the other cards of the file. Remote pictures are never fetched.
+class VCardReader
+{
+public:
+    static constexpr qsizetype maximumFileSize = 64 * 1024 * 1024;
+    /// Longest logical line, pictures aside.
+    static constexpr qsizetype maximumLineLength = 1024 * 1024;
+    /// Longest text kept in one value (a name, a number, an address).
+    static constexpr qsizetype maximumValueLength = 64 * 1024;
+    /// Largest picture kept, decoded.
+    static constexpr qsizetype maximumPhotoSize = 16 * 1024 * 1024;
+
+    /// The cards in the data. A card without a UID is given an identifier made from `source` and its position, so it
+    /// stays the same as long as the file does.
+    static QList<VCardContact> read(const QByteArray &data, const QString &source);
+
+    /// Reads a regular file of at most maximumFileSize bytes; anything else (a FIFO, a device, a larger file) yields
+    /// no cards.
+    static QList<VCardContact> readFile(const QString &path);
+
+    /// Decodes quoted-printable text; a broken escape is kept as written and a final "=" is dropped.
+    static QByteArray decodeQuotedPrintable(const QByteArray &encoded);
+    /// Decodes text in one of the character sets that exports use (UTF-8, ISO-8859-1, Windows-1252); others as UTF-8.
+    static QString decodeCharset(const QByteArray &bytes, const QByteArray &charset);
+};
