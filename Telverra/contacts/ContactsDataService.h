@@ -6,6 +6,7 @@
 #include <QObject>
 
 #include <optional>
+#include <vector>
 
 class ContactStoreManager;
 
@@ -36,8 +37,9 @@ public:
     /// prefix included); the label of its group, the alphabetically first when several hold it; the number as given.
     PhoneNumberMatch findContact(const QString &phoneNumber) const;
 
-    /// Sorted by family name with diacritics folded and case kept, comparing code points; stable.
-    static void sortByFamilyName(QList<VCardContact> &contacts);
+    /// The positions of the contacts sorted by family name with diacritics folded and case kept, comparing code
+    /// points; stable.
+    static std::vector<qsizetype> familyNameOrder(const QList<VCardContact> &contacts);
 
 Q_SIGNALS:
     void allContactsChanged();

@@ -141,16 +141,19 @@ void VCardDirectoryStore::requestAccess(const std::function<void(bool, const QSt
     }
 }
 
+QFileInfoList VCardDirectoryStore::vcardFileInfos(const QString &folder)
+{
+    // Regular files only (QDir::Files, and the reader checks again): a FIFO or a device is never opened. An
+    // unreadable file simply fails to open.
+    return QDir(folder).entryInfoList({QStringLiteral("*.vcf"), QStringLiteral("*.VCF"), QStringLiteral("*.vcard")},
+                                      QDir::Files, QDir::Name);
+}
+
 QStringList VCardDirectoryStore::vcardFiles(const QString &folder)
 {
     QStringList files;
-    const QFileInfoList entries =
-        QDir(folder).entryInfoList({QStringLiteral("*.vcf"), QStringLiteral("*.VCF"), QStringLiteral("*.vcard")},
-                                   QDir::Files | QDir::Readable, QDir::Name);
-    for (const QFileInfo &entry : entries) {
-        if (entry.isFile()) { // regular files only: a FIFO or a device is never opened
-            files.append(entry.absoluteFilePath());
-        }
+    for (const QFileInfo &entry : vcardFileInfos(folder)) {
+        files.append(entry.absoluteFilePath());
     }
     return files;
 }
@@ -168,7 +171,7 @@ ContactStore::ContainersResult VCardDirectoryStore::containers()
             result.containers.clear();
             return result;
         }
-        if (root.isBook || !vcardFiles(root.path).isEmpty()) {
+        if (root.isBook || !vcardFileInfos(root.path).isEmpty()) {
             result.containers.append({root.path, info.fileName()});
         }
         if (root.isBook) {
@@ -190,7 +193,7 @@ ContactStore::ContactsResult VCardDirectoryStore::unifiedContacts(const QString 
         result.error = u"The address book " + containerIdentifier + u" cannot be read.";
         return result;
     }
-    for (const QString &file : vcardFiles(containerIdentifier)) {
+    for (const QFileInfo &file : vcardFileInfos(containerIdentifier)) {
         result.contacts.append(VCardReader::readFile(file));
     }
     return result;
@@ -239,13 +242,18 @@ void VCardDirectoryStore::watch()
             paths.append(root.path);
         }
     }
+    QStringList files;
     for (const Container &container : all.containers) {
         paths.append(container.identifier);
-        // Files edited in place only show on the file itself; watched while the book is small enough to afford it.
-        const QStringList files = vcardFiles(container.identifier);
-        if (files.size() <= 1000) {
-            paths += files;
+        if (files.size() <= maximumWatchedFiles) {
+            files += vcardFiles(container.identifier);
         }
+    }
+    // A file edited in place only shows on the file itself. Watching each file is worth it for a personal address
+    // book; for large ones (synced folders, which replace files by renaming) the folders are enough, and adding
+    // many paths to QFileSystemWatcher costs quadratic time.
+    if (files.size() <= maximumWatchedFiles) {
+        paths += files;
     }
     paths.removeDuplicates();
     if (!paths.isEmpty()) {

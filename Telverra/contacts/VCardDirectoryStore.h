@@ -2,6 +2,7 @@
 
 #include "ContactStore.h"
 
+#include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QHash>
 #include <QTimer>
@@ -17,6 +18,8 @@ class VCardDirectoryStore : public ContactStore
 public:
     /// How long changes must settle before didChange() is emitted.
     static constexpr int debounceMilliseconds = 300;
+    /// Up to this many .vcf files in all, each file is watched too (for edits in place).
+    static constexpr int maximumWatchedFiles = 500;
 
     /// `roots` empty: the desktop's address books (defaultRoots()).
     explicit VCardDirectoryStore(const QStringList &roots = {}, QObject *parent = nullptr);
@@ -40,6 +43,7 @@ private:
     };
     void watch();
     void settle();
+    static QFileInfoList vcardFileInfos(const QString &folder);
     static QStringList vcardFiles(const QString &folder);
 
     QList<Root> m_roots;

@@ -4,7 +4,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
-#include <QStringDecoder>
 
 namespace {
 
@@ -517,8 +516,7 @@ QString VCardReader::decodeCharset(const QByteArray &bytes, const QByteArray &ch
         }
         return out;
     }
-    QStringDecoder utf8(QStringDecoder::Utf8);
-    return utf8(bytes);
+    return QString::fromUtf8(bytes); // invalid sequences become U+FFFD
 }
 
 QList<VCardContact> VCardReader::read(const QByteArray &data, const QString &source)
@@ -587,8 +585,11 @@ QList<VCardContact> VCardReader::read(const QByteArray &data, const QString &sou
             const QByteArrayView head = physical.first(colon < 0 ? std::min<qsizetype>(physical.size(), 4096) : colon);
             quotedPrintable = head.contains("QUOTED-PRINTABLE") || head.contains("quoted-printable");
             const qsizetype semicolon = head.indexOf(';');
-            const QByteArray name = head.first(semicolon < 0 ? head.size() : semicolon).toByteArray().toUpper();
-            isPhoto = name.endsWith("PHOTO") || name.endsWith("LOGO");
+            const QByteArrayView name = head.first(semicolon < 0 ? head.size() : semicolon);
+            auto endsWithNoCase = [&name](QByteArrayView suffix) {
+                return name.size() >= suffix.size() && equalsNoCase(name.last(suffix.size()), suffix);
+            };
+            isPhoto = endsWithNoCase("PHOTO") || endsWithNoCase("LOGO");
         }
         const qsizetype limit = isPhoto ? maximumFileSize : maximumLineLength;
         if (line.size() + piece.size() > limit) {
@@ -607,15 +608,20 @@ QList<VCardContact> VCardReader::read(const QByteArray &data, const QString &sou
 
 QList<VCardContact> VCardReader::readFile(const QString &path)
 {
-    const QFileInfo info(path);
+    return readFile(QFileInfo(path));
+}
+
+QList<VCardContact> VCardReader::readFile(const QFileInfo &info)
+{
     if (!info.isFile() || info.size() > maximumFileSize) {
         return {};
     }
-    QFile file(path);
+    QFile file(info.absoluteFilePath());
     if (!file.open(QIODevice::ReadOnly)) {
         return {};
     }
-    const QByteArray data = file.read(maximumFileSize + 1);
+    // Read what the size says (plus one byte to notice growth), not a buffer of the largest size allowed.
+    const QByteArray data = file.read(std::min<qint64>(info.size(), maximumFileSize) + 1);
     if (data.size() > maximumFileSize) {
         return {};
     }

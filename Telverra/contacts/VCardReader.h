@@ -3,6 +3,7 @@
 #include "VCardContact.h"
 
 #include <QByteArray>
+#include <QFileInfo>
 #include <QList>
 #include <QString>
 
@@ -28,6 +29,8 @@ public:
     /// Reads a regular file of at most maximumFileSize bytes; anything else (a FIFO, a device, a larger file) yields
     /// no cards.
     static QList<VCardContact> readFile(const QString &path);
+    /// The same, with what a folder listing already knows about the file.
+    static QList<VCardContact> readFile(const QFileInfo &file);
 
     /// Decodes quoted-printable text; a broken escape is kept as written and a final "=" is dropped.
     static QByteArray decodeQuotedPrintable(const QByteArray &encoded);
