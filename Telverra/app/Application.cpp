@@ -1,5 +1,9 @@
 #include "Application.h"
 
+#include "CommandLine.h"
+#include "HomeWindowViewModel.h"
+#include "contacts/ContactStoreManager.h"
+#include "contacts/VCardDirectoryStore.h"
 #include "store/CoreDataManager.h"
 
 #include <QCommandLineParser>
@@ -66,6 +70,22 @@ int selfTest()
 
 int run(int argc, char *argv[])
 {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    }
+    if (CommandLine::isCommand(arguments)) {
+        // No window: a console application, so that commands work without a display.
+        QCoreApplication app(argc, argv);
+        QCoreApplication::setApplicationName(QStringLiteral("Telverra"));
+        QCoreApplication::setApplicationVersion(QStringLiteral(TELVERRA_VERSION));
+        return CommandLine::run(arguments);
+    }
+    if (arguments.contains(u"--help"_qs) || arguments.contains(u"-h"_qs)) {
+        std::fputs(CommandLine::helpText().toUtf8().constData(), stdout);
+        return 0;
+    }
+
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("Telverra"));
     QGuiApplication::setApplicationVersion(QStringLiteral(TELVERRA_VERSION));
@@ -76,19 +96,35 @@ int run(int argc, char *argv[])
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Telverra: calls, messages, mail and meetings from one window."));
-    parser.addHelpOption();
     parser.addVersionOption();
     const QCommandLineOption selfTestOption(QStringLiteral("self-test"),
                                             QStringLiteral("Load every screen without showing it, then exit."));
+    const QCommandLineOption contactsOption(QStringLiteral("contacts"),
+                                            QStringLiteral("Read the address book from this vCard folder."),
+                                            QStringLiteral("DIR"));
     parser.addOption(selfTestOption);
-    parser.process(app);
-
+    parser.addOption(contactsOption);
+    if (!parser.parse(arguments)) {
+        std::fprintf(stderr, "telverra: %s\nTry 'telverra --help'.\n", qPrintable(parser.errorText()));
+        return 2;
+    }
+    if (parser.isSet(u"version"_qs)) {
+        parser.showVersion();
+    }
     if (parser.isSet(selfTestOption)) {
         return selfTest();
     }
 
     // The store is loaded before any window: a store that cannot be loaded stops the process here.
     CoreDataManager::shared();
+    std::unique_ptr<VCardDirectoryStore> contactsFolder;
+    if (parser.isSet(contactsOption)) {
+        contactsFolder = std::make_unique<VCardDirectoryStore>(QStringList{parser.value(contactsOption)});
+        ContactStoreManager::setSharedContactStore(contactsFolder.get());
+    }
+    HomeWindowViewModel viewModel;
+    CommandService commands(viewModel);
+    commands.registerOnSessionBus(); // commands from the command line reach this window's history
 
     QQmlApplicationEngine engine;
     prepareEngine(engine);

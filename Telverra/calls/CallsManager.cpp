@@ -1,5 +1,7 @@
 #include "CallsManager.h"
 
+#include "BrowserTabSource.h"
+
 #include "Clipboard.h"
 #include "LaunchAddress.h"
 #include "Workspace.h"
@@ -7,6 +9,7 @@
 #include "settings/Preferences.h"
 
 #include <QPointer>
+#include <QTimer>
 
 #include <mutex>
 
@@ -228,4 +231,107 @@ void CallsManager::openInChrome(const QString &address)
                                         }
                                         Trace::line(u"Successfully openned URL " + address + u" call in " + identifier);
                                     });
+}
+
+BrowserTabSource::~BrowserTabSource() = default;
+
+QString printedForm(const QList<BrowserWindow> &windows)
+{
+    auto quoted = [](const QString &text) -> QString { return u'"' + QString(text).replace(u'"', u"\\\""_qs) + u'"'; };
+    QStringList printedWindows;
+    for (const BrowserWindow &window : windows) {
+        QStringList printedTabs;
+        for (const Tab &tab : window.tabs) {
+            printedTabs.append(u"Tab(title: " + quoted(tab.title) + u", url: " + quoted(tab.url) + u')');
+        }
+        printedWindows.append(u"BrowserWindow(name: " + quoted(window.name) + u", tabs: [" + printedTabs.join(u", ") +
+                              u"])");
+    }
+    return u'[' + printedWindows.join(u", ") + u']';
+}
+
+void CallsManager::startNewMeeting(CallTypes type, const CallCompletion &completion)
+{
+    if (type != CallTypes::googleMeet && type != CallTypes::googleMeetNew) {
+        return;
+    }
+    const QString address = launchPrefix(type);
+    Trace::line(u"Run Apple Script Delayed " + QString::number(meetingSearchDelay, 'f', 1) + u" seconds");
+    QPointer<CallsManager> self(this);
+    QTimer::singleShot(static_cast<int>(meetingSearchDelay * 1000), this, [self, completion] {
+        if (!self) {
+            return;
+        }
+        self->setLastCallDestinationValue(QString());
+        self->setLastCallDestinationValue(meetingURL(self->listBrowserWindows()));
+        if (!self->lastCallDestinationValue().isEmpty()) {
+            completion(CallResult::success(self->lastCallDestinationValue()));
+        } else {
+            completion(CallResult::failure(CallsManagerError::errorCreatingTelco(QStringLiteral(
+                "Couldn't find the url for the telco, you might have accidentaly closed the browser. The call will "
+                "not be registered in recents."))));
+        }
+    });
+    openInBrowser(address);
+}
+
+QList<BrowserWindow> CallsManager::listBrowserWindows()
+{
+    const bool chrome = useChromeAsDefaultBrowser();
+    Trace::line(chrome ? QStringLiteral("Chrome") : QStringLiteral("Safari"));
+    const QString &script = chrome ? myAppleScriptChrome : myAppleScriptSafari;
+    Trace::line(u"Running Apple Script " + script);
+    const std::optional<ScriptValue> result = m_tabSource ? m_tabSource->run(script, chrome) : std::nullopt;
+    return result ? browserWindows(*result) : QList<BrowserWindow>();
+}
+
+QList<BrowserWindow> CallsManager::browserWindows(const ScriptValue &result)
+{
+    QList<BrowserWindow> windows;
+    for (const ScriptValue &entry : result.list) {
+        BrowserWindow window;
+        for (const ScriptValue &item : entry.list) {
+            if (item.text) {
+                if (item.text->contains(u"Window ID:")) {
+                    window.name = *item.text;
+                }
+                continue;
+            }
+            if (!item.isList || item.list.isEmpty()) {
+                continue;
+            }
+            for (const ScriptValue &tabEntry : item.list) {
+                Tab tab;
+                for (const ScriptValue &field : tabEntry.list) {
+                    if (!field.text) {
+                        continue;
+                    }
+                    if (field.text->startsWith(u"Title: ")) {
+                        tab.title = QString(*field.text).remove(u"Title: "_qs);
+                    } else if (field.text->startsWith(u"URL: ")) {
+                        tab.url = QString(*field.text).remove(u"URL: "_qs);
+                    }
+                }
+                window.tabs.append(tab);
+            }
+        }
+        windows.append(window);
+    }
+    return windows;
+}
+
+QString CallsManager::meetingURL(const QList<BrowserWindow> &windows)
+{
+    const QString rule(45, u'-');
+    Trace::line(rule);
+    Trace::line(printedForm(windows));
+    Trace::line(rule);
+    for (const BrowserWindow &window : windows) {
+        for (const Tab &tab : window.tabs) {
+            if (tab.title == u"Meet - ~new") {
+                return tab.url;
+            }
+        }
+    }
+    return {};
 }

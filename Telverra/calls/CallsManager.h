@@ -1,12 +1,15 @@
 #pragma once
 
+#include "BrowserWindow.h"
 #include "CallResult.h"
 #include "CallTypes.h"
 
 #include <QObject>
 #include <QString>
 
+class BrowserTabSource;
 class Clipboard;
+struct ScriptValue;
 class Preferences;
 class Workspace;
 
@@ -59,6 +62,21 @@ public:
     void openInChrome(const QString &address);
     void openInDefaultBrowser(const QString &address);
 
+    /// Opens a new Google Meet meeting (googleMeet or googleMeetNew; any other type does nothing) and, 5.0 seconds
+    /// later, looks for its address among the browser's tabs; the completion gets the address or errorCreatingTelco.
+    void startNewMeeting(CallTypes type, const CallCompletion &completion);
+    /// Delay of the meeting search, in seconds.
+    static constexpr double meetingSearchDelay = 5.0;
+    /// Asks the browser for its windows and tabs; an empty list when it cannot be asked.
+    QList<BrowserWindow> listBrowserWindows();
+    /// The windows and tabs in a listing script's result (the parsing rules of the macOS script result).
+    static QList<BrowserWindow> browserWindows(const ScriptValue &result);
+    /// The address of the first tab titled exactly "Meet - ~new", or empty.
+    static QString meetingURL(const QList<BrowserWindow> &windows);
+
+    /// Where listBrowserWindows() asks; none means every search finds nothing.
+    void setBrowserTabSource(BrowserTabSource *source) { m_tabSource = source; }
+
     static QString displayName(CallTypes type) { return label(type); }
     static QString icon(CallTypes type) { return ::icon(type); }
 
@@ -71,4 +89,5 @@ private:
     Clipboard &m_clipboard;
     QString m_lastCallDestinationValue;
     CallTypes m_typeOfLastCall = CallTypes::notRecognized;
+    BrowserTabSource *m_tabSource = nullptr;
 };

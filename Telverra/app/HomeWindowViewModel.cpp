@@ -1,0 +1,620 @@
+#include "HomeWindowViewModel.h"
+
+#include "calls/CallsManager.h"
+#include "calls/Clipboard.h"
+#include "common/TextFolding.h"
+#include "common/Trace.h"
+#include "contacts/ContactStoreManager.h"
+#include "contacts/ContactsDataService.h"
+#include "favorites/FavoritesDataService.h"
+#include "recents/RecentCallsDataService.h"
+#include "settings/Preferences.h"
+#include "store/CoreDataManager.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+#include <QRegularExpression>
+#include <QSet>
+#include <QtConcurrent>
+
+#include <algorithm>
+
+namespace {
+
+// The text searched for, and searched in: diacritics and case ignored.
+QString searchable(const QString &text)
+{
+    return foldDiacritics(text).toCaseFolded();
+}
+
+// The name a contact is filed under: family, else given, else organisation.
+const QString &filingName(const VCardContact &contact)
+{
+    if (!contact.familyName.isEmpty()) {
+        return contact.familyName;
+    }
+    if (!contact.givenName.isEmpty()) {
+        return contact.givenName;
+    }
+    return contact.organizationName;
+}
+
+bool isMeeting(CallTypes type)
+{
+    switch (type) {
+    case CallTypes::googleMeet:
+    case CallTypes::googleMeetNew:
+    case CallTypes::zoom:
+    case CallTypes::webex:
+    case CallTypes::jitsi:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+HomeWindowViewModel::HomeWindowViewModel(QObject *parent)
+    : HomeWindowViewModel(Environment(), parent)
+{}
+
+HomeWindowViewModel::HomeWindowViewModel(const Environment &environment, QObject *parent)
+    : QObject(parent)
+    , m_preferences(environment.preferences)
+    , m_callsManager(environment.callsManager ? environment.callsManager : &CallsManager::shared())
+    , m_store(environment.store)
+    , m_contactStore(environment.contactStore ? environment.contactStore : &ContactStoreManager::shared())
+    , m_clipboard(environment.clipboard)
+{
+    // 1-2. Preferences are read at each use; everything else starts at its initial value.
+    if (!m_preferences) {
+        m_ownPreferences = std::make_unique<Preferences>(Preferences::defaultFilePath());
+        m_preferences = m_ownPreferences.get();
+    }
+    if (!m_clipboard) {
+        m_ownClipboard = std::make_unique<SystemClipboard>();
+        m_clipboard = m_ownClipboard.get();
+    }
+    // 3. The first preferred language.
+    m_languageLocale = QLocale::system().uiLanguages().value(0);
+
+    // 4. The services, in this order (the location, weather and quote services join here).
+    m_favoritesDataService = std::make_unique<FavoritesDataService>(m_store, m_contactStore);
+    m_recentCallsDataService = std::make_unique<RecentCallsDataService>(m_store);
+    m_recentCallsDataService->fetchRecentCalls();
+    m_contactsDataService = std::make_unique<ContactsDataService>(m_contactStore);
+
+    // 5. Subscriptions, then the weather timer.
+    m_searchDebounce.setSingleShot(true);
+    m_searchDebounce.setInterval(500);
+    subscribe();
+    startWeatherTimer();
+}
+
+HomeWindowViewModel::~HomeWindowViewModel()
+{
+    for (const QMetaObject::Connection &connection : std::as_const(m_cancelables)) {
+        disconnect(connection);
+    }
+}
+
+bool HomeWindowViewModel::fixedQuoteOnStartup() const
+{
+    return m_preferences->value(PreferenceKey::fixedQuoteOnStartup);
+}
+
+bool HomeWindowViewModel::copyNumberURLToClipBoard() const
+{
+    return m_preferences->value(PreferenceKey::copyNumberURLToClipBoard);
+}
+
+bool HomeWindowViewModel::updateWeatherInfoEveryHour() const
+{
+    return m_preferences->value(PreferenceKey::updateWeatherInfoEveryHour);
+}
+
+// Each subscription takes the publisher's current value at once, then every new one; the view model is the
+// context object, so nothing is delivered once it is gone.
+void HomeWindowViewModel::subscribe()
+{
+    // 1. The history.
+    auto recents = [this] {
+        m_allRecentCalls = m_recentCallsDataService->savedRecents();
+        Q_EMIT allRecentCallsChanged();
+    };
+    m_cancelables.append(
+        connect(m_recentCallsDataService.get(), &RecentCallsDataService::savedRecentsChanged, this, recents));
+    recents();
+
+    // 2. The welcome hand-over.
+    if (!fixedQuoteOnStartup()) {
+        m_timer = std::make_unique<QTimer>();
+        m_timer->setInterval(1000);
+        connect(m_timer.get(), &QTimer::timeout, this, &HomeWindowViewModel::welcomeTick);
+        m_timer->start();
+    }
+
+    // 3. The quote service is not part of this build yet.
+
+    // 4. The contacts.
+    m_cancelables.append(connect(m_contactsDataService.get(), &ContactsDataService::allContactsChanged, this,
+                                 &HomeWindowViewModel::handleContacts));
+    if (!m_contactsDataService->allContacts().isEmpty()) {
+        handleContacts();
+    }
+
+    // 5. The contact search, debounced.
+    m_cancelables.append(connect(&m_searchDebounce, &QTimer::timeout, this, [this] {
+        const bool search = m_searchTextForContacts.size() > 0;
+        if (m_shouldSearchForContacts != search) {
+            m_shouldSearchForContacts = search;
+            Q_EMIT shouldSearchForContactsChanged();
+        }
+        if (search) {
+            runContactFilter();
+        }
+    }));
+    m_searchDebounce.start();
+
+    // 6. The favourite links.
+    auto telcos = [this] { setAllFavoriteTelcos(m_favoritesDataService->savedFavoriteTelcos()); };
+    m_cancelables.append(
+        connect(m_favoritesDataService.get(), &FavoritesDataService::savedFavoriteTelcosChanged, this, telcos));
+    telcos();
+
+    // 7. The favourite contacts, resolved against the address book.
+    m_cancelables.append(connect(m_favoritesDataService.get(), &FavoritesDataService::savedFavoriteContactsChanged,
+                                 this, &HomeWindowViewModel::resolveFavoriteContacts));
+    resolveFavoriteContacts();
+
+    // 8. The address book's error.
+    auto contactsError = [this] {
+        m_contactsPermissionError = m_contactsDataService->permissionError();
+        Q_EMIT contactsPermissionErrorChanged();
+    };
+    m_cancelables.append(
+        connect(m_contactsDataService.get(), &ContactsDataService::permissionErrorChanged, this, contactsError));
+    if (m_contactsDataService->permissionError()) {
+        contactsError();
+    }
+    // 9-13. The location and weather services are not part of this build yet.
+}
+
+void HomeWindowViewModel::welcomeTick()
+{
+    if (m_count == 5) {
+        m_count = 0;
+        setIsWelcomeShown(false);
+        setIsDialerShown(true);
+        m_timer->stop();
+    }
+    ++m_count;
+    Q_EMIT countChanged();
+}
+
+void HomeWindowViewModel::handleContacts()
+{
+    m_allContacts = m_contactsDataService->allContacts();
+    Q_EMIT allContactsChanged();
+    if (m_filteredContacts.isEmpty()) {
+        m_filteredContacts = m_allContacts;
+        Q_EMIT filteredContactsChanged();
+    }
+    if (!m_searchTextForContacts.isEmpty()) {
+        runContactFilter();
+    }
+    m_favoritesDataService->fetchFavoriteContacts();
+}
+
+bool HomeWindowViewModel::contactMatches(const Contact &contact, const QString &searchText)
+{
+    const VCardContact &card = contact.contact;
+    if (card.givenName.isEmpty() && card.familyName.isEmpty() && card.organizationName.isEmpty()) {
+        return false;
+    }
+    const QString needle = searchable(searchText);
+    return searchable(Contact::fullName(card)).contains(needle) || searchable(card.organizationName).contains(needle);
+}
+
+void HomeWindowViewModel::runContactFilter()
+{
+    // Works on copies in the global pool; only the newest search's result is applied, on the main thread.
+    const quint64 generation = ++m_filterGeneration;
+    QPointer<HomeWindowViewModel> self(this);
+    (void)QtConcurrent::run([self, generation, contacts = m_allContacts, text = m_searchTextForContacts] {
+        QList<Contact> kept;
+        for (const Contact &contact : contacts) {
+            if (contactMatches(contact, text)) {
+                kept.append(contact);
+            }
+        }
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [self, generation, kept = std::move(kept)] {
+                if (self && self->m_filterGeneration == generation) {
+                    self->m_filteredContacts = kept;
+                    Q_EMIT self->filteredContactsChanged();
+                }
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void HomeWindowViewModel::resolveFavoriteContacts()
+{
+    QList<Contact> resolved;
+    for (const FavoriteContactEntityPtr &record : m_favoritesDataService->savedFavoriteContacts()) {
+        if (std::optional<Contact> contact = m_contactStore->fetchContact(record->contactID())) {
+            resolved.append(std::move(*contact));
+        }
+    }
+    m_allFavoriteContacts = std::move(resolved);
+    Q_EMIT allFavoriteContactsChanged();
+}
+
+void HomeWindowViewModel::startWeatherTimer()
+{
+    if (!updateWeatherInfoEveryHour()) {
+        return;
+    }
+    m_weatherTimer = std::make_unique<QTimer>();
+    m_weatherTimer->setInterval(static_cast<int>(m_updateWeatherInfoDelay * 1000));
+    connect(m_weatherTimer.get(), &QTimer::timeout, this, [this] {
+        if (updateWeatherInfoEveryHour()) {
+            // The location service re-runs its start-up here, once it is part of the build; its new position
+            // fetches the weather.
+        }
+    });
+    m_weatherTimer->start();
+}
+
+void HomeWindowViewModel::cancelWeatherTimer()
+{
+    m_weatherTimer.reset();
+}
+
+#define TELVERRA_FLAG_SETTER(Name, member, signal)                                                                     \
+    void HomeWindowViewModel::Name(bool shown)                                                                         \
+    {                                                                                                                  \
+        if (member != shown) {                                                                                         \
+            member = shown;                                                                                            \
+            Q_EMIT signal();                                                                                           \
+        }                                                                                                              \
+    }
+TELVERRA_FLAG_SETTER(setIsWelcomeShown, m_isWelcomeShown, isWelcomeShownChanged)
+TELVERRA_FLAG_SETTER(setIsDialerShown, m_isDialerShown, isDialerShownChanged)
+TELVERRA_FLAG_SETTER(setIsRecentsShown, m_isRecentsShown, isRecentsShownChanged)
+TELVERRA_FLAG_SETTER(setIsFavoritesShown, m_isFavoritesShown, isFavoritesShownChanged)
+TELVERRA_FLAG_SETTER(setIsContactsShown, m_isContactsShown, isContactsShownChanged)
+TELVERRA_FLAG_SETTER(setIsSettingsShown, m_isSettingsShown, isSettingsShownChanged)
+#undef TELVERRA_FLAG_SETTER
+
+void HomeWindowViewModel::setDialer(const Dialer &dialer)
+{
+    if (!(m_dialer == dialer)) {
+        m_dialer = dialer;
+        Q_EMIT dialerChanged();
+    }
+}
+
+bool HomeWindowViewModel::validateDialerDisplay(const QString &text)
+{
+    const bool valid = m_dialer.validate(text);
+    Q_EMIT dialerChanged();
+    return valid;
+}
+
+void HomeWindowViewModel::pressDialerKey(const QString &key)
+{
+    m_dialer.pressKey(key, m_longPressDetected);
+    Q_EMIT dialerChanged();
+}
+
+void HomeWindowViewModel::longPressDialerKey(const QString &key)
+{
+    Dialer::longPress(key, m_longPressDetected);
+}
+
+void HomeWindowViewModel::deleteLastDialerCharacter()
+{
+    m_dialer.deleteLast();
+    Q_EMIT dialerChanged();
+}
+
+void HomeWindowViewModel::clearDialer()
+{
+    clearDialerState();
+}
+
+void HomeWindowViewModel::clearDialerState()
+{
+    m_dialer.display.clear();
+    m_dialer.isInvalidNumber = false;
+    Q_EMIT dialerChanged();
+}
+
+void HomeWindowViewModel::setSearchTextForRecents(const QString &text)
+{
+    if (m_searchTextForRecents != text) {
+        m_searchTextForRecents = text;
+        Q_EMIT searchTextForRecentsChanged();
+    }
+}
+
+QList<RecentCallEntityPtr> HomeWindowViewModel::filteredRecentCalls() const
+{
+    if (m_searchTextForRecents.isEmpty()) {
+        return m_allRecentCalls;
+    }
+    const QString search = m_searchTextForRecents.toLower();
+    QList<RecentCallEntityPtr> kept;
+    for (const RecentCallEntityPtr &record : m_allRecentCalls) {
+        if (record->destinationValue().toLower().contains(search)) {
+            kept.append(record);
+        }
+    }
+    return kept;
+}
+
+void HomeWindowViewModel::setAllFavoriteTelcos(const QList<FavoriteTelcoEntityPtr> &telcos)
+{
+    m_allFavoriteTelcos = telcos;
+    Q_EMIT allFavoriteTelcosChanged();
+}
+
+void HomeWindowViewModel::setSelectedFavoriteTelco(const FavoriteTelcoEntityPtr &telco)
+{
+    m_selectedFavoriteTelco = telco;
+    Q_EMIT selectedFavoriteTelcoChanged();
+}
+
+void HomeWindowViewModel::setSelectedContact(const std::optional<Contact> &contact)
+{
+    m_selectedContact = contact;
+    Q_EMIT selectedContactChanged();
+}
+
+void HomeWindowViewModel::setSearchTextForContacts(const QString &text)
+{
+    if (m_searchTextForContacts != text) {
+        m_searchTextForContacts = text;
+        Q_EMIT searchTextForContactsChanged();
+        m_searchDebounce.start();
+    }
+}
+
+QStringList HomeWindowViewModel::contactsIndexLetters() const
+{
+    const QList<Contact> &source =
+        (!m_searchTextForContacts.isEmpty() && m_shouldSearchForContacts) ? m_filteredContacts : m_allContacts;
+    QSet<QString> letters;
+    for (const Contact &contact : source) {
+        const QString &name = filingName(contact.contact);
+        if (name.isEmpty() || name.front().isNumber()) {
+            letters.insert(QStringLiteral("#"));
+            continue;
+        }
+        // The first character (a whole surrogate pair where there is one), folded, then capitalised.
+        const qsizetype length = name.front().isHighSurrogate() && name.size() > 1 ? 2 : 1;
+        letters.insert(foldDiacritics(name.first(length)).toUpper());
+    }
+    QStringList sorted(letters.cbegin(), letters.cend());
+    std::sort(sorted.begin(), sorted.end());
+    return sorted;
+}
+
+QList<Contact> HomeWindowViewModel::contactsForIndexLetter(const QString &letter, const QList<Contact> &contacts)
+{
+    static const QStringList numberish = {u"0"_qs, u"1"_qs, u"2"_qs, u"3"_qs, u"4"_qs, u"5"_qs, u"6"_qs,
+                                          u"7"_qs, u"8"_qs, u"9"_qs, u"-"_qs, u"_"_qs, u"."_qs, u"ç"_qs};
+    const QString wanted = letter.toLower();
+    QList<Contact> kept;
+    for (const Contact &contact : contacts) {
+        const QString folded = foldDiacritics(filingName(contact.contact));
+        const QString first = folded.isEmpty() ? QString() : folded.first(1).toLower();
+        if (letter == u"#" ? numberish.contains(first) : first == wanted) {
+            kept.append(contact);
+        }
+    }
+    return kept;
+}
+
+// ---- The call operations ----
+
+void HomeWindowViewModel::makeCallFromDialer()
+{
+    const QString display = m_dialer.display;
+    Trace::line(u"make call button pressed with: " + display);
+    const bool valid = m_dialer.validate(display);
+    Q_EMIT dialerChanged();
+    if (!valid) {
+        return; // the dialer shows its own warning
+    }
+    handlePhoneCallResult(m_callsManager->makePhoneCall(m_dialer.display));
+}
+
+void HomeWindowViewModel::makeCallFromClipboard()
+{
+    const std::optional<QString> text = m_clipboard->plainText();
+    if (!text) {
+        return;
+    }
+    Trace::line(u"make call button pressed with: " + *text);
+    const bool valid = m_dialer.validate(*text);
+    Q_EMIT dialerChanged();
+    if (valid) {
+        handlePhoneCallResult(m_callsManager->makePhoneCall(m_dialer.display));
+        return;
+    }
+    // A meeting address: trailing white space goes (line breaks included), then leading blanks (a leading line
+    // break stays).
+    static const QRegularExpression trailing(QStringLiteral("\\s+$"), QRegularExpression::UseUnicodePropertiesOption);
+    QString address = QString(*text).remove(trailing);
+    qsizetype start = 0;
+    while (start < address.size() && (address[start] == u'\t' || address[start].category() == QChar::Separator_Space)) {
+        ++start;
+    }
+    openTelcoURL(address.sliced(start));
+}
+
+void HomeWindowViewModel::startMeetingInBrowser(CallTypes type)
+{
+    Trace::line(u"make call in browser button pressed with: " + caseName(type));
+    QPointer<HomeWindowViewModel> self(this);
+    m_callsManager->startNewMeeting(type, [self](const CallResult &result) {
+        if (self) {
+            self->handleMeetingResult(result);
+        }
+    });
+}
+
+void HomeWindowViewModel::sendContactAction(const Contact &contact, const QString &destinationTag, CallTypes type)
+{
+    Trace::line(u"send button of type " + caseName(type) + u" for contact: " + contact.fullName());
+    const QString destination = m_dialer.display;
+    switch (type) {
+    case CallTypes::telephone:
+        handleContactActionResult(m_callsManager->makePhoneCall(destination), contact, destinationTag, type,
+                                  u"call launced with number: " + destination);
+        break;
+    case CallTypes::facetime:
+        handleContactActionResult(m_callsManager->makeFacetimeCall(destination), contact, destinationTag, type,
+                                  u"facetime call with number: " + destination);
+        break;
+    case CallTypes::facetimeaudio:
+        handleContactActionResult(m_callsManager->makeFacetimeAudioCall(destination), contact, destinationTag, type,
+                                  u"facetime-audio call with number: " + destination);
+        break;
+    case CallTypes::messages:
+        handleContactActionResult(m_callsManager->sendMessage(destination), contact, destinationTag, type,
+                                  u"text sent with number: " + destination);
+        break;
+    case CallTypes::mail:
+        // The mail row reuses the phone wording.
+        handleContactActionResult(m_callsManager->sendEmail(destination), contact, destinationTag, type,
+                                  u"call launced with number: " + destination);
+        break;
+    default:
+        break;
+    }
+}
+
+void HomeWindowViewModel::recallRecent(const QString &destinationValue, CallTypes type)
+{
+    m_callsManager->setTypeOfLastCall(type);
+    if (isMeeting(type)) {
+        openTelcoURL(destinationValue);
+        return;
+    }
+    // Every other kind, FaceTime, messages and mail included, is called again as a telephone number.
+    handlePhoneCallResult(m_callsManager->makePhoneCall(destinationValue));
+}
+
+void HomeWindowViewModel::recallRecentWithUnknownType(const QString &destinationValue, const QString &contactID)
+{
+    Q_UNUSED(contactID);
+    handlePhoneCallResult(m_callsManager->makePhoneCall(destinationValue));
+}
+
+void HomeWindowViewModel::openTelcoURL(const QString &address)
+{
+    clearDialerState();
+    QPointer<HomeWindowViewModel> self(this);
+    m_callsManager->openTelco(address, [self](const CallResult &result) {
+        if (self) {
+            self->handleMeetingResult(result);
+        }
+    });
+}
+
+void HomeWindowViewModel::copyValueToClipboard(const QString &value)
+{
+    Trace::line(u"copy value to clipboard button pressed with: " + value);
+    m_clipboard->setPlainText(value);
+}
+
+void HomeWindowViewModel::addContactToFavorites(const Contact &contact)
+{
+    if (!m_favoritesDataService->favoriteContacts(contact.id()).isEmpty()) {
+        Trace::line(QStringLiteral("Contact not added to favorites since it already exists"));
+        return;
+    }
+    m_favoritesDataService->addFavoriteContact(contact.contact.givenName, contact.contact.familyName, contact.id());
+}
+
+void HomeWindowViewModel::saveFavoriteTelcosOrder()
+{
+    qint32 position = 0;
+    for (const FavoriteTelcoEntityPtr &telco : std::as_const(m_allFavoriteTelcos)) {
+        telco->setOrderIndex(position++);
+    }
+    (m_store ? *m_store : CoreDataManager::shared()).save();
+}
+
+void HomeWindowViewModel::publishError(const CallsManagerError &error)
+{
+    const QString text = error.errorDescription();
+    Trace::line(text);
+    m_callManagerErrorMessage = text;
+    Q_EMIT callManagerErrorMessageChanged();
+    Q_EMIT callManagerErrorPublished(text);
+    Q_EMIT launchFinished(false, text);
+}
+
+void HomeWindowViewModel::handlePhoneCallResult(const CallResult &result)
+{
+    if (!result.isSuccess()) {
+        publishError(result.error());
+        return;
+    }
+    const QString number = result.value();
+    Trace::line(u"call launced with number: " + number);
+    m_dialer.validate(number);
+    Q_EMIT dialerChanged();
+    const ContactsDataService::PhoneNumberMatch match = m_contactsDataService->findContact(number);
+    m_recentCallsDataService->addRecentCall(number, CallTypes::telephone,
+                                            match.contact ? match.contact->id() : QString(), match.label);
+    m_recentCallsDataService->fetchRecentCalls();
+    if (copyNumberURLToClipBoard()) {
+        copyValueToClipboard(number);
+    }
+    clearDialerState();
+    Q_EMIT launchFinished(true, number);
+}
+
+void HomeWindowViewModel::handleContactActionResult(const CallResult &result, const Contact &contact,
+                                                    const QString &tag, CallTypes type, const QString &successTrace)
+{
+    if (!result.isSuccess()) {
+        publishError(result.error());
+        return;
+    }
+    Trace::line(successTrace);
+    m_dialer.validate(result.value());
+    Q_EMIT dialerChanged();
+    m_recentCallsDataService->addRecentCall(m_dialer.display, type, contact.id(), tag);
+    m_recentCallsDataService->fetchRecentCalls();
+    const QString launched = m_dialer.display;
+    if (copyNumberURLToClipBoard()) {
+        copyValueToClipboard(launched);
+    }
+    clearDialerState();
+    Q_EMIT launchFinished(true, launched);
+}
+
+void HomeWindowViewModel::handleMeetingResult(const CallResult &result)
+{
+    if (!result.isSuccess()) {
+        publishError(result.error());
+        return;
+    }
+    const QString address = result.value();
+    m_recentCallsDataService->addRecentCall(address, CallsManager::callTypeForURL(address), QString(), QString());
+    m_recentCallsDataService->fetchRecentCalls();
+    if (copyNumberURLToClipBoard()) {
+        copyValueToClipboard(address);
+    }
+    clearDialerState();
+    Q_EMIT launchFinished(true, address);
+}
