@@ -2,6 +2,7 @@
 
 #include "HomeWindowViewModel.h"
 #include "calls/CallsManager.h"
+#include "contacts/ContactSearchIndex.h"
 #include "contacts/ContactStoreManager.h"
 #include "contacts/ContactsDataService.h"
 #include "contacts/VCardDirectoryStore.h"
@@ -75,22 +76,22 @@ QJsonObject contactJson(const Contact &contact)
 {
     return {{u"id"_qs, contact.id()},
             {u"name"_qs, contact.fullName()},
-            {u"organization"_qs, contact.contact.organizationName},
-            {u"phoneNumbers"_qs, labelledValues(contact.contact.phoneNumbers)},
-            {u"emailAddresses"_qs, labelledValues(contact.contact.emailAddresses)}};
+            {u"organization"_qs, contact.contact().organizationName},
+            {u"phoneNumbers"_qs, labelledValues(contact.contact().phoneNumbers)},
+            {u"emailAddresses"_qs, labelledValues(contact.contact().emailAddresses)}};
 }
 
 QString contactLine(const Contact &contact)
 {
     QString name = contact.fullName();
     if (name.isEmpty()) {
-        name = contact.contact.organizationName;
+        name = contact.contact().organizationName;
     }
     QStringList details;
-    for (const LabeledValue &value : contact.contact.phoneNumbers) {
+    for (const LabeledValue &value : contact.contact().phoneNumbers) {
         details.append(value.value);
     }
-    for (const LabeledValue &value : contact.contact.emailAddresses) {
+    for (const LabeledValue &value : contact.contact().emailAddresses) {
         details.append(value.value);
     }
     return name + u'\t' + details.join(u", ") + u'\n';
@@ -150,12 +151,10 @@ int listFavorites(HomeWindowViewModel &viewModel, bool json)
 
 int listContacts(HomeWindowViewModel &viewModel, const QString &search, bool json)
 {
-    QList<Contact> contacts;
-    for (const Contact &contact : viewModel.allContacts()) {
-        if (search.isEmpty() || HomeWindowViewModel::contactMatches(contact, search)) {
-            contacts.append(contact);
-        }
-    }
+    const QList<Contact> contacts =
+        search.isEmpty() ? viewModel.allContacts()
+                         : HomeWindowViewModel::matchingContacts(viewModel.allContacts(),
+                                                                 ContactSearchIndex(viewModel.allContacts()), search);
     if (json) {
         QJsonArray array;
         for (const Contact &contact : contacts) {

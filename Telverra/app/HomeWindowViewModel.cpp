@@ -4,6 +4,7 @@
 #include "calls/Clipboard.h"
 #include "common/TextFolding.h"
 #include "common/Trace.h"
+#include "contacts/ContactSearchIndex.h"
 #include "contacts/ContactStoreManager.h"
 #include "contacts/ContactsDataService.h"
 #include "favorites/FavoritesDataService.h"
@@ -20,12 +21,6 @@
 #include <algorithm>
 
 namespace {
-
-// The text searched for, and searched in: diacritics and case ignored.
-QString searchable(const QString &text)
-{
-    return foldDiacritics(text).toCaseFolded();
-}
 
 // The name a contact is filed under: family, else given, else organisation.
 const QString &filingName(const VCardContact &contact)
@@ -196,6 +191,8 @@ void HomeWindowViewModel::welcomeTick()
 void HomeWindowViewModel::handleContacts()
 {
     m_allContacts = m_contactsDataService->allContacts();
+    ++m_contactsVersion;
+    m_searchIndex.reset();
     Q_EMIT allContactsChanged();
     if (m_filteredContacts.isEmpty()) {
         m_filteredContacts = m_allContacts;
@@ -209,30 +206,41 @@ void HomeWindowViewModel::handleContacts()
 
 bool HomeWindowViewModel::contactMatches(const Contact &contact, const QString &searchText)
 {
-    const VCardContact &card = contact.contact;
-    if (card.givenName.isEmpty() && card.familyName.isEmpty() && card.organizationName.isEmpty()) {
-        return false;
+    return !ContactSearchIndex({contact}).matches(searchText).empty();
+}
+
+QList<Contact> HomeWindowViewModel::matchingContacts(const QList<Contact> &contacts, const ContactSearchIndex &index,
+                                                     const QString &searchText)
+{
+    QList<Contact> kept;
+    for (qsizetype position : index.matches(searchText)) {
+        kept.append(contacts.at(position));
     }
-    const QString needle = searchable(searchText);
-    return searchable(Contact::fullName(card)).contains(needle) || searchable(card.organizationName).contains(needle);
+    return kept;
 }
 
 void HomeWindowViewModel::runContactFilter()
 {
     // Works on copies in the global pool; only the newest search's result is applied, on the main thread.
     const quint64 generation = ++m_filterGeneration;
+    const quint64 version = m_contactsVersion;
     QPointer<HomeWindowViewModel> self(this);
-    (void)QtConcurrent::run([self, generation, contacts = m_allContacts, text = m_searchTextForContacts] {
-        QList<Contact> kept;
-        for (const Contact &contact : contacts) {
-            if (contactMatches(contact, text)) {
-                kept.append(contact);
-            }
+    (void)QtConcurrent::run([self, generation, version, index = m_searchIndex, contacts = m_allContacts,
+                             text = m_searchTextForContacts]() mutable {
+        if (!index) {
+            index = std::make_shared<const ContactSearchIndex>(contacts);
         }
+        QList<Contact> kept = matchingContacts(contacts, *index, text);
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
-            [self, generation, kept = std::move(kept)] {
-                if (self && self->m_filterGeneration == generation) {
+            [self, generation, version, index, kept = std::move(kept)] {
+                if (!self) {
+                    return;
+                }
+                if (self->m_contactsVersion == version && !self->m_searchIndex) {
+                    self->m_searchIndex = index;
+                }
+                if (self->m_filterGeneration == generation) {
                     self->m_filteredContacts = kept;
                     Q_EMIT self->filteredContactsChanged();
                 }
@@ -390,7 +398,7 @@ QStringList HomeWindowViewModel::contactsIndexLetters() const
         (!m_searchTextForContacts.isEmpty() && m_shouldSearchForContacts) ? m_filteredContacts : m_allContacts;
     QSet<QString> letters;
     for (const Contact &contact : source) {
-        const QString &name = filingName(contact.contact);
+        const QString &name = filingName(contact.contact());
         if (name.isEmpty() || name.front().isNumber()) {
             letters.insert(QStringLiteral("#"));
             continue;
@@ -411,7 +419,7 @@ QList<Contact> HomeWindowViewModel::contactsForIndexLetter(const QString &letter
     const QString wanted = letter.toLower();
     QList<Contact> kept;
     for (const Contact &contact : contacts) {
-        const QString folded = foldDiacritics(filingName(contact.contact));
+        const QString folded = foldDiacritics(filingName(contact.contact()));
         const QString first = folded.isEmpty() ? QString() : folded.first(1).toLower();
         if (letter == u"#" ? numberish.contains(first) : first == wanted) {
             kept.append(contact);
@@ -540,7 +548,7 @@ void HomeWindowViewModel::addContactToFavorites(const Contact &contact)
         Trace::line(QStringLiteral("Contact not added to favorites since it already exists"));
         return;
     }
-    m_favoritesDataService->addFavoriteContact(contact.contact.givenName, contact.contact.familyName, contact.id());
+    m_favoritesDataService->addFavoriteContact(contact.contact().givenName, contact.contact().familyName, contact.id());
 }
 
 void HomeWindowViewModel::saveFavoriteTelcosOrder()

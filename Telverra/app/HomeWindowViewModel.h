@@ -15,6 +15,7 @@
 #include <optional>
 
 class CallsManager;
+class ContactSearchIndex;
 class Clipboard;
 class ContactStoreManager;
 class ContactsDataService;
@@ -134,6 +135,9 @@ public:
     static QList<Contact> contactsForIndexLetter(const QString &letter, const QList<Contact> &contacts);
     /// Whether a contact matches a search text, as the contact search decides it.
     static bool contactMatches(const Contact &contact, const QString &searchText);
+    /// The contacts that match, in their order (what the search computes away from the main thread).
+    static QList<Contact> matchingContacts(const QList<Contact> &contacts, const ContactSearchIndex &index,
+                                           const QString &searchText);
 
     const QString &randomQuote() const { return m_randomQuote; }
     const QString &cityName() const { return m_cityName; }
@@ -253,4 +257,7 @@ private:
 
     QTimer m_searchDebounce;
     quint64 m_filterGeneration = 0;
+    // Made by the first search over a contacts list, in the background, and kept until the list changes.
+    std::shared_ptr<const ContactSearchIndex> m_searchIndex;
+    quint64 m_contactsVersion = 0;
 };

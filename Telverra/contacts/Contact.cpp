@@ -1,5 +1,13 @@
 #include "Contact.h"
 
+Contact::Contact()
+    : m_contact(std::make_shared<const VCardContact>())
+{}
+
+Contact::Contact(VCardContact contact)
+    : m_contact(std::make_shared<const VCardContact>(std::move(contact)))
+{}
+
 QString Contact::fullName(const VCardContact &contact)
 {
     QStringList parts;

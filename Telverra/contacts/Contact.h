@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 /// A number with its kind. Part of the contact record, though nothing fills it today.
 struct NumberStruct
 {
@@ -25,20 +27,29 @@ enum class TypeOfContactDetails
 
 /// A contact as the screens pass it around: the address book's record and four collections that are kept empty;
 /// screens compute a contact's numbers and addresses on demand with the label groupings.
+///
+/// The record is shared and never changed, so copying a contact (search results, favourites) costs one reference.
 struct Contact
 {
-    VCardContact contact;
+    Contact();
+    explicit Contact(VCardContact contact);
+
+    /// The address book's record, as fetched.
+    const VCardContact &contact() const { return *m_contact; }
     QList<NumberStruct> phoneNumbers;
     QMap<QString, QStringList> alleMails;
     QMap<QString, QStringList> allSocialAccounts;
     QMap<QString, QString> allAdresses;
 
     /// The address book's identifier of the contact.
-    const QString &id() const { return contact.identifier; }
+    const QString &id() const { return m_contact->identifier; }
 
     /// Prefix, given, middle, family and suffix names joined by single blanks; empty when all are empty.
     static QString fullName(const VCardContact &contact);
-    QString fullName() const { return fullName(contact); }
+    QString fullName() const { return fullName(*m_contact); }
+
+private:
+    std::shared_ptr<const VCardContact> m_contact;
 };
 
 namespace ContactLabels {

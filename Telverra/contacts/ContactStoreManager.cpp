@@ -89,5 +89,5 @@ std::optional<Contact> ContactStoreManager::fetchContact(const QString &identifi
         Trace::line(u"Error fetching contact with id: '" + identifier + u"'from containers");
         return std::nullopt;
     }
-    return Contact{std::move(*result.contact), {}, {}, {}, {}};
+    return Contact(std::move(*result.contact));
 }

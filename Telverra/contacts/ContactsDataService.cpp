@@ -109,7 +109,7 @@ void ContactsDataService::handleFetch(const ContactStoreManager::FetchResult &re
             QList<Contact> wrapped;
             wrapped.reserve(contacts.size());
             for (qsizetype index : order) {
-                wrapped.append(Contact{std::move(contacts[index]), {}, {}, {}, {}});
+                wrapped.append(Contact(std::move(contacts[index])));
             }
             contacts.clear();
             self->m_allContacts.clear();
@@ -138,7 +138,7 @@ ContactsDataService::PhoneNumberMatch ContactsDataService::findContact(const QSt
 {
     const QString digits = digitsOnly(phoneNumber);
     for (const Contact &candidate : m_allContacts) {
-        const QMap<QString, QStringList> groups = ContactLabels::phoneNumbersByLabel(candidate.contact);
+        const QMap<QString, QStringList> groups = ContactLabels::phoneNumbersByLabel(candidate.contact());
         if (groups.isEmpty() || phoneNumber.isEmpty()) {
             continue;
         }

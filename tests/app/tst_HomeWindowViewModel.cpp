@@ -26,7 +26,7 @@ QStringList names(const QList<Contact> &contacts)
 {
     QStringList out;
     for (const Contact &contact : contacts) {
-        out.append(contact.fullName().isEmpty() ? contact.contact.organizationName : contact.fullName());
+        out.append(contact.fullName().isEmpty() ? contact.contact().organizationName : contact.fullName());
     }
     return out;
 }
@@ -214,11 +214,11 @@ void tst_HomeWindowViewModel::contactsForIndexLetter()
     QFETCH(QString, letter);
     QFETCH(QStringList, filed);
     auto make = [](const QString &family, const QString &given, const QString &organization) {
-        Contact contact;
-        contact.contact.familyName = family;
-        contact.contact.givenName = given;
-        contact.contact.organizationName = organization;
-        return contact;
+        VCardContact card;
+        card.familyName = family;
+        card.givenName = given;
+        card.organizationName = organization;
+        return Contact(card);
     };
     const QList<Contact> list = {
         make(u"Álvarez"_qs, u"Luis"_qs, {}), make(u"alba"_qs, u"Rosa"_qs, {}), make({}, {}, u"3M"_qs),

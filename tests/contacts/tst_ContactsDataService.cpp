@@ -27,7 +27,7 @@ QStringList familyNames(const QList<Contact> &contacts)
 {
     QStringList names;
     for (const Contact &contact : contacts) {
-        names.append(contact.contact.familyName);
+        names.append(contact.contact().familyName);
     }
     return names;
 }
@@ -304,7 +304,7 @@ void tst_ContactsDataService::findByPhoneNumber()
         return;
     }
     QVERIFY(match.contact.has_value());
-    QCOMPARE(match.contact->contact.familyName, family);
+    QCOMPARE(match.contact->contact().familyName, family);
     QCOMPARE(match.label, label);
     QCOMPARE(match.number, number);
 }

@@ -1,0 +1,174 @@
+// The view model at scale: the contact search over 100,000 contacts (the part that runs away from the main thread,
+// and what the main thread pays to start it), the history filter over 100,000 records, and start-up with 10,000
+// contacts and 10,000 recent calls.
+#include "VdirGenerator.h"
+#include "app/HomeWindowViewModel.h"
+#include "calls/CallsManager.h"
+#include "calls/Clipboard.h"
+#include "calls/Workspace.h"
+#include "contacts/ContactSearchIndex.h"
+#include "contacts/ContactStoreManager.h"
+#include "contacts/VCardDirectoryStore.h"
+#include "recents/RecentCallsDataService.h"
+#include "settings/Preferences.h"
+#include "store/CoreDataManager.h"
+
+#include <QCoreApplication>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+class NoWorkspace : public Workspace
+{
+public:
+    void open(const LaunchAddress &) override {}
+    void openWithApplication(const LaunchAddress &, const QString &, OpenCompletion) override {}
+};
+
+// A home with `contacts` contacts and `recents` recent calls, and a view model over it.
+struct Fixture
+{
+    Fixture(int contacts, int recents)
+        : preferences(dir.path() + u"/telverra.conf")
+        , calls(workspace, preferences, clipboard)
+    {
+        generateVdir(dir.path() + u"/contacts", contacts);
+        {
+            CoreDataManager seed(storeFile());
+            const QDateTime start = QDateTime::currentDateTime().addDays(-300);
+            for (int i = 0; i < recents; ++i) {
+                auto record = seed.viewContext().insertNewObject<RecentCallEntity>();
+                record->setDate(start.addSecs(i * 60));
+                record->setCallType(u"telephone"_qs);
+                record->setDestinationValue(u"+34 600 "_qs + QString::number(100000 + i));
+            }
+            seed.save();
+        }
+        preferences.setValue(PreferenceKey::fixedQuoteOnStartup, true);
+    }
+    QString storeFile() const { return dir.path() + u"/Telverra.sqlite"; }
+    std::unique_ptr<HomeWindowViewModel> make(std::unique_ptr<CoreDataManager> &store,
+                                              std::unique_ptr<VCardDirectoryStore> &folder,
+                                              std::unique_ptr<ContactStoreManager> &manager)
+    {
+        store = std::make_unique<CoreDataManager>(storeFile());
+        folder = std::make_unique<VCardDirectoryStore>(QStringList{dir.path() + u"/contacts"});
+        manager = std::make_unique<ContactStoreManager>(*folder);
+        auto vm = std::make_unique<HomeWindowViewModel>(
+            HomeWindowViewModel::Environment{&preferences, &calls, store.get(), manager.get(), &clipboard});
+        while (vm->allContacts().isEmpty()) {
+            QCoreApplication::processEvents();
+        }
+        return vm;
+    }
+
+    QTemporaryDir dir;
+    Preferences preferences;
+    NoWorkspace workspace;
+    SystemClipboard clipboard;
+    CallsManager calls;
+};
+
+void BM_ContactSearch(benchmark::State &state)
+{
+    static Fixture fixture(100'000, 0);
+    std::unique_ptr<CoreDataManager> store;
+    std::unique_ptr<VCardDirectoryStore> folder;
+    std::unique_ptr<ContactStoreManager> manager;
+    auto vm = fixture.make(store, folder, manager);
+    const ContactSearchIndex index(vm->allContacts()); // made once per address book, with the first search
+    const QString searches[] = {u"e"_qs, u"garcia"_qs, u"núñez12"_qs, u"empresa 4"_qs};
+    int i = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(
+            HomeWindowViewModel::matchingContacts(vm->allContacts(), index, searches[i++ % 4]).size());
+    }
+}
+BENCHMARK(BM_ContactSearch)->Unit(benchmark::kMillisecond);
+
+// The scan alone, without building the result list.
+void BM_ContactSearchScanOnly(benchmark::State &state)
+{
+    static Fixture fixture(100'000, 0);
+    std::unique_ptr<CoreDataManager> store;
+    std::unique_ptr<VCardDirectoryStore> folder;
+    std::unique_ptr<ContactStoreManager> manager;
+    auto vm = fixture.make(store, folder, manager);
+    const ContactSearchIndex index(vm->allContacts());
+    const QString searches[] = {u"e"_qs, u"garcia"_qs, u"núñez12"_qs, u"empresa 4"_qs};
+    int i = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(index.matches(searches[i++ % 4]).size());
+    }
+}
+BENCHMARK(BM_ContactSearchScanOnly)->Unit(benchmark::kMillisecond);
+
+// The index itself, made by the first search after the address book was (re)loaded.
+void BM_ContactSearchIndex(benchmark::State &state)
+{
+    static Fixture fixture(100'000, 0);
+    std::unique_ptr<CoreDataManager> store;
+    std::unique_ptr<VCardDirectoryStore> folder;
+    std::unique_ptr<ContactStoreManager> manager;
+    auto vm = fixture.make(store, folder, manager);
+    for (auto _ : state) {
+        const ContactSearchIndex index(vm->allContacts());
+        benchmark::DoNotOptimize(&index);
+    }
+}
+BENCHMARK(BM_ContactSearchIndex)->Unit(benchmark::kMillisecond);
+
+// What the main thread pays when the debounced search fires: the copy of the list it hands over and the start.
+void BM_ContactSearchMainThreadShare(benchmark::State &state)
+{
+    static Fixture fixture(100'000, 0);
+    std::unique_ptr<CoreDataManager> store;
+    std::unique_ptr<VCardDirectoryStore> folder;
+    std::unique_ptr<ContactStoreManager> manager;
+    auto vm = fixture.make(store, folder, manager);
+    for (auto _ : state) {
+        QList<Contact> copy = vm->allContacts(); // the by-value copy the filter works on (shared, not deep)
+        benchmark::DoNotOptimize(copy.size());
+    }
+}
+BENCHMARK(BM_ContactSearchMainThreadShare)->Unit(benchmark::kNanosecond);
+
+void BM_FilteredRecentCalls(benchmark::State &state)
+{
+    static Fixture fixture(10, 100'000);
+    std::unique_ptr<CoreDataManager> store;
+    std::unique_ptr<VCardDirectoryStore> folder;
+    std::unique_ptr<ContactStoreManager> manager;
+    auto vm = fixture.make(store, folder, manager);
+    vm->setSearchTextForRecents(u"600 1234"_qs);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(vm->filteredRecentCalls().size());
+    }
+}
+BENCHMARK(BM_FilteredRecentCalls)->Unit(benchmark::kMillisecond);
+
+void BM_ViewModelStartup(benchmark::State &state)
+{
+    static Fixture fixture(10'000, 10'000);
+    for (auto _ : state) {
+        std::unique_ptr<CoreDataManager> store;
+        std::unique_ptr<VCardDirectoryStore> folder;
+        std::unique_ptr<ContactStoreManager> manager;
+        auto vm = fixture.make(store, folder, manager);
+        benchmark::DoNotOptimize(vm->allRecentCalls().size());
+    }
+}
+BENCHMARK(BM_ViewModelStartup)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
