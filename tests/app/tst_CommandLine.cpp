@@ -7,6 +7,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTest>
 
 namespace {
@@ -28,6 +29,7 @@ private Q_SLOTS:
     void historyHoldsTheLaunches();
     void contactsAndSearch();
     void help();
+    void forwardedToRunningWindow();
 
 private:
     Run telverra(const QStringList &arguments);
@@ -186,6 +188,47 @@ void tst_CommandLine::help()
                                 "recents [--search TEXT] [--json]", "favorites [--json]", "contacts"}) {
         QVERIFY2(run.out.contains(QLatin1StringView(command)), command);
     }
+}
+
+// With a window running on the session bus, a launch from the command line is made by the window (its history
+// updates at once), not by the command's own process.
+void tst_CommandLine::forwardedToRunningWindow()
+{
+    if (QStandardPaths::findExecutable(u"dbus-run-session"_qs).isEmpty() ||
+        QStandardPaths::findExecutable(u"dbus-send"_qs).isEmpty()) {
+        QSKIP("dbus-run-session is not installed (package dbus-daemon)");
+    }
+    const QString script = QStringLiteral(R"(
+"$TELVERRA" > "$WORK/window.out" 2>&1 &
+window=$!
+for i in $(seq 100); do
+    dbus-send --session --print-reply --dest=org.freedesktop.DBus / org.freedesktop.DBus.NameHasOwner         string:org.telverra.Telverra 2>/dev/null | grep -q 'boolean true' && break
+    sleep 0.1
+done
+"$TELVERRA" call 700-1 > "$WORK/command.out" 2>&1
+echo $? > "$WORK/command.status"
+kill $window
+wait $window
+)");
+    QProcess session;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"PATH"_qs, m_home.path() + u"/bin:" + environment.value(u"PATH"_qs));
+    environment.insert(u"QT_QPA_PLATFORM"_qs, u"offscreen"_qs);
+    environment.insert(u"TELVERRA"_qs, QStringLiteral(TELVERRA_EXECUTABLE));
+    environment.insert(u"WORK"_qs, m_home.path());
+    session.setProcessEnvironment(environment);
+    const QStringList before = opened();
+    session.start(u"dbus-run-session"_qs, {u"--"_qs, u"sh"_qs, u"-c"_qs, script});
+    QVERIFY(session.waitForFinished(60000));
+    auto read = [this](const QString &name) {
+        QFile file(m_home.path() + u'/' + name);
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    };
+    QCOMPARE(read(u"command.status"_qs).trimmed(), u"0"_qs);
+    QVERIFY2(read(u"window.out"_qs).contains(u"call launced with number: 700-1"_qs), qPrintable(read(u"window.out"_qs)));
+    QVERIFY2(!read(u"command.out"_qs).contains(u"make call button pressed"_qs), "not run by the command itself");
+    QTest::qWait(300);
+    QCOMPARE(opened().mid(before.size()), QStringList{u"tel://7001"_qs});
 }
 
 QTEST_GUILESS_MAIN(tst_CommandLine)
