@@ -225,7 +225,8 @@ wait $window
         return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     };
     QCOMPARE(read(u"command.status"_qs).trimmed(), u"0"_qs);
-    QVERIFY2(read(u"window.out"_qs).contains(u"call launced with number: 700-1"_qs), qPrintable(read(u"window.out"_qs)));
+    QVERIFY2(read(u"window.out"_qs).contains(u"call launced with number: 700-1"_qs),
+             qPrintable(read(u"window.out"_qs)));
     QVERIFY2(!read(u"command.out"_qs).contains(u"make call button pressed"_qs), "not run by the command itself");
     QTest::qWait(300);
     QCOMPARE(opened().mid(before.size()), QStringList{u"tel://7001"_qs});

@@ -1,0 +1,97 @@
+#include "calls/BrowserTabSource.h"
+#include "calls/CallsManager.h"
+#include "common/Trace.h"
+
+#include <QTest>
+
+namespace {
+ScriptValue text(const char *value)
+{
+    return ScriptValue::fromText(QString::fromUtf8(value));
+}
+ScriptValue list(const QList<ScriptValue> &items)
+{
+    return ScriptValue::fromList(items);
+}
+ScriptValue tab(const char *title, const char *url)
+{
+    return list({text(title), text(url)});
+}
+ScriptValue window(const char *id, const QList<ScriptValue> &tabs)
+{
+    return list({text(id), list(tabs)});
+}
+} // namespace
+
+class tst_MeetingSearch : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void parsing();
+    void meetingURL_data();
+    void meetingURL();
+    void printedBetweenRules();
+};
+
+void tst_MeetingSearch::parsing()
+{
+    const ScriptValue result = list({
+        window("Window ID: 41",
+               {tab("Title: Title: twice", "URL: https://a.example/URL: x"), list({text("Title only")}), list({})}),
+        list({list({tab("Title: no window id", "URL: https://b.example/")})}), // no "Window ID:" text
+        list({text("Window ID: 42"), text("ignored text"), list({})}),         // an empty tab list is skipped
+        text("a bare text where a window entry should be"),
+    });
+    const QList<BrowserWindow> windows = CallsManager::browserWindows(result);
+    QCOMPARE(windows.size(), 4);
+    QCOMPARE(windows.at(0).name, u"Window ID: 41"_qs);
+    QCOMPARE(windows.at(0).tabs.size(), 3); // every tab entry makes a tab, empty fields and all
+    QCOMPARE(windows.at(0).tabs.at(0), (Tab{u"twice"_qs, u"https://a.example/x"_qs}));
+    QCOMPARE(windows.at(0).tabs.at(1), Tab());
+    QCOMPARE(windows.at(1).name, QString());
+    QCOMPARE(windows.at(1).tabs, QList<Tab>{(Tab{u"no window id"_qs, u"https://b.example/"_qs})});
+    QCOMPARE(windows.at(2), (BrowserWindow{u"Window ID: 42"_qs, {}}));
+    QCOMPARE(windows.at(3), BrowserWindow());
+}
+
+void tst_MeetingSearch::meetingURL_data()
+{
+    QTest::addColumn<QList<BrowserWindow>>("windows");
+    QTest::addColumn<QString>("found");
+    const BrowserWindow first{
+        u"Window ID: 1"_qs,
+        {{u"Inbox"_qs, u"https://mail.example/"_qs}, {u"Meet - ~new"_qs, u"https://meet.google.com/aaa"_qs}}};
+    const BrowserWindow second{u"Window ID: 2"_qs, {{u"Meet - ~new"_qs, u"https://meet.google.com/bbb"_qs}}};
+    QTest::newRow("two windows: the first reported wins")
+        << QList<BrowserWindow>{first, second} << u"https://meet.google.com/aaa"_qs;
+    QTest::newRow("title differing in case")
+        << QList<BrowserWindow>{{u"Window ID: 3"_qs, {{u"Meet - ~New"_qs, u"https://meet.google.com/ccc"_qs}}}}
+        << QString();
+    QTest::newRow("retitled meeting")
+        << QList<BrowserWindow>{{u"Window ID: 4"_qs, {{u"Meet - abc-defg-hij"_qs, u"https://meet.google.com/d"_qs}}}}
+        << QString();
+    QTest::newRow("no windows") << QList<BrowserWindow>() << QString();
+}
+
+void tst_MeetingSearch::meetingURL()
+{
+    QFETCH(QList<BrowserWindow>, windows);
+    QFETCH(QString, found);
+    Trace::Capture capture;
+    QCOMPARE(CallsManager::meetingURL(windows), found);
+}
+
+void tst_MeetingSearch::printedBetweenRules()
+{
+    Trace::Capture capture;
+    CallsManager::meetingURL({{u"Window ID: 7"_qs, {{u"Say \"hi\""_qs, u"https://a.example/"_qs}}}});
+    const QString rule(45, u'-');
+    QCOMPARE(capture.lines(),
+             (QStringList{rule,
+                          u"[BrowserWindow(name: \"Window ID: 7\", tabs: [Tab(title: \"Say \\\"hi\\\"\", url: "
+                          u"\"https://a.example/\")])]"_qs,
+                          rule}));
+}
+
+QTEST_GUILESS_MAIN(tst_MeetingSearch)
+#include "tst_MeetingSearch.moc"
