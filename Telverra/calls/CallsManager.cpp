@@ -3,7 +3,11 @@
 #include "BrowserTabSource.h"
 
 #include "Clipboard.h"
+#include "DevToolsTabSource.h"
+#include "FirefoxSessionTabSource.h"
 #include "LaunchAddress.h"
+#include "OsaScriptTabSource.h"
+#include "PlasmaBrowserTabSource.h"
 #include "Workspace.h"
 #include "common/Trace.h"
 #include "settings/Preferences.h"
@@ -54,6 +58,17 @@ CallsManager &CallsManager::shared()
             given.preferences ? given.preferences : new Preferences(Preferences::defaultFilePath());
         Clipboard *clipboard = given.clipboard ? given.clipboard : new SystemClipboard;
         instance = new CallsManager(*workspace, *preferences, *clipboard);
+        // The desktop's tab sources, for the new-meeting search.
+#ifdef Q_OS_MACOS
+        static OsaScriptTabSource scriptHost;
+        instance->setBrowserTabSource(&scriptHost);
+#else
+        static PlasmaBrowserTabSource plasma;
+        static DevToolsTabSource devTools;
+        static FirefoxSessionTabSource firefox;
+        static DesktopBrowserTabSource desktop({&plasma, &devTools}, {&plasma, &firefox});
+        instance->setBrowserTabSource(&desktop);
+#endif
     });
     return *instance;
 }
@@ -328,7 +343,8 @@ QString CallsManager::meetingURL(const QList<BrowserWindow> &windows)
     Trace::line(rule);
     for (const BrowserWindow &window : windows) {
         for (const Tab &tab : window.tabs) {
-            if (tab.title == u"Meet - ~new") {
+            // A tab's address comes from the browser: it is recorded and reopened only if a browser may open it.
+            if (tab.title == u"Meet - ~new" && LaunchAddress::parseForBrowser(tab.url)) {
                 return tab.url;
             }
         }

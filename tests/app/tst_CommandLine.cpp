@@ -45,6 +45,8 @@ void tst_CommandLine::initTestCase()
     const QString recorder = m_home.writeFile(u"bin/xdg-open"_qs, "#!/bin/sh\nprintf '%s\\n' \"$1\" >> \"" +
                                                                       QFile::encodeName(m_log) + "\"\n");
     QVERIFY(QFile::setPermissions(recorder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    // The default browser (the recording xdg-open), whatever browsers this machine has.
+    m_home.writeFile(u".config/telverra/telverra.conf"_qs, "[General]\nuseChromeAsDefaultBrowser=false\n");
     m_home.writeFile(u".local/share/contacts/people/ana.vcf"_qs,
                      "BEGIN:VCARD\nUID:ana\nN:García;Ana;;;\nTEL;TYPE=CELL:+34 600 111 222\n"
                      "EMAIL:ana@example.org\nEND:VCARD\n");
@@ -110,8 +112,9 @@ void tst_CommandLine::commands_data()
                                      << QString()
                                      << u"Telco not supported: Attempt to open Telco of type: "
                                         u"'https://example.com/x'"_qs;
-    QTest::newRow("javascript in a link") << QStringList{u"open"_qs, u"javascript:alert(1)//https://zoom.us/j/1"_qs}
-                                          << 0 << QString() << u"Error creating URL for Chrome"_qs << QString();
+    QTest::newRow("javascript in a link")
+        << QStringList{u"open"_qs, u"javascript:alert(1)//https://zoom.us/j/1"_qs} << 0 << QString()
+        << u"Error creating URL for Default Browser"_qs << QString();
     QTest::newRow("unknown command") << QStringList{u"dial"_qs, u"600"_qs} << 2 << QString() << QString()
                                      << u"unknown command dial"_qs;
     QTest::newRow("missing destination") << QStringList{u"call"_qs} << 2 << QString() << QString()

@@ -1,5 +1,6 @@
 #include "calls/BrowserTabSource.h"
 #include "calls/CallsManager.h"
+#include "calls/OsaScriptTabSource.h"
 #include "common/Trace.h"
 
 #include <QTest>
@@ -31,6 +32,8 @@ private Q_SLOTS:
     void meetingURL_data();
     void meetingURL();
     void printedBetweenRules();
+    void scriptHostOutput_data();
+    void scriptHostOutput();
 };
 
 void tst_MeetingSearch::parsing()
@@ -91,6 +94,44 @@ void tst_MeetingSearch::printedBetweenRules()
                           u"[BrowserWindow(name: \"Window ID: 7\", tabs: [Tab(title: \"Say \\\"hi\\\"\", url: "
                           u"\"https://a.example/\")])]"_qs,
                           rule}));
+}
+
+// What `osascript -ss` prints for the listing script: the macOS script host cannot run here, its output can.
+void tst_MeetingSearch::scriptHostOutput_data()
+{
+    QTest::addColumn<QString>("printed");
+    QTest::addColumn<int>("windows"); // -1: not readable
+    QTest::addColumn<QString>("meeting");
+    QTest::newRow("two windows")
+        << uR"({{"Window ID: 5", {{"Title: Inbox", "URL: https://mail.example/"}}}, )"
+           uR"({"Window ID: 9", {{"Title: Meet - ~new", "URL: https://meet.google.com/x"}}}})"_qs
+        << 2 << u"https://meet.google.com/x"_qs;
+    QTest::newRow("escaped quote and backslash")
+        << uR"({{"Window ID: 1", {{"Title: say \"hi\" \\ bye", "URL: https://a.example/"}}}})"_qs << 1 << QString();
+    QTest::newRow("no windows") << u"{}"_qs << 0 << QString();
+    QTest::newRow("unterminated text") << uR"({{"Window ID: 1)"_qs << -1 << QString();
+    QTest::newRow("trailing garbage") << u"{} extra"_qs << -1 << QString();
+    QTest::newRow("a script error message") << u"execution error: Not authorised (-1743)"_qs << -1 << QString();
+    QTest::newRow("nested past the limit") << QString(QString(100, u'{') + QString(100, u'}')) << -1 << QString();
+}
+
+void tst_MeetingSearch::scriptHostOutput()
+{
+    QFETCH(QString, printed);
+    QFETCH(int, windows);
+    QFETCH(QString, meeting);
+    const std::optional<ScriptValue> value = OsaScriptTabSource::parse(printed);
+    QCOMPARE(value.has_value(), windows >= 0);
+    if (!value) {
+        return;
+    }
+    const QList<BrowserWindow> parsed = CallsManager::browserWindows(*value);
+    QCOMPARE(parsed.size(), windows);
+    Trace::Capture capture;
+    QCOMPARE(CallsManager::meetingURL(parsed), meeting);
+    if (QTest::currentDataTag() == QByteArray("escaped quote and backslash")) {
+        QCOMPARE(parsed.at(0).tabs.at(0).title, u"say \"hi\" \\ bye"_qs);
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_MeetingSearch)
