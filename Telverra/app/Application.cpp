@@ -4,6 +4,7 @@
 #include "HomeWindowViewModel.h"
 #include "contacts/ContactStoreManager.h"
 #include "contacts/VCardDirectoryStore.h"
+#include "settings/DeploymentSettings.h"
 #include "store/CoreDataManager.h"
 
 #include <QCommandLineParser>
@@ -102,8 +103,11 @@ int run(int argc, char *argv[])
     const QCommandLineOption contactsOption(QStringLiteral("contacts"),
                                             QStringLiteral("Read the address book from this vCard folder."),
                                             QStringLiteral("DIR"));
+    const QCommandLineOption infoOption(
+        QStringLiteral("info"), QStringLiteral("Read the deployment settings from FILE."), QStringLiteral("FILE"));
     parser.addOption(selfTestOption);
     parser.addOption(contactsOption);
+    parser.addOption(infoOption);
     if (!parser.parse(arguments)) {
         std::fprintf(stderr, "telverra: %s\nTry 'telverra --help'.\n", qPrintable(parser.errorText()));
         return 2;
@@ -115,6 +119,9 @@ int run(int argc, char *argv[])
         return selfTest();
     }
 
+    if (parser.isSet(infoOption)) {
+        DeploymentSettings::setSharedFile(parser.value(infoOption));
+    }
     // The store is loaded before any window: a store that cannot be loaded stops the process here.
     CoreDataManager::shared();
     std::unique_ptr<VCardDirectoryStore> contactsFolder;

@@ -8,6 +8,7 @@
 #include "contacts/VCardDirectoryStore.h"
 #include "favorites/FavoritesDataService.h"
 #include "recents/RecentCallItemViewModel.h"
+#include "settings/DeploymentSettings.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -219,7 +220,7 @@ bool isCommand(const QStringList &arguments)
     // Any word that is not an option or an option's value is a command (an unknown one is a usage error).
     for (qsizetype i = 1; i < arguments.size(); ++i) {
         const QString &argument = arguments.at(i);
-        if (argument == u"--contacts" || argument == u"--search") {
+        if (argument == u"--contacts" || argument == u"--search" || argument == u"--info") {
             ++i;
             continue;
         }
@@ -253,6 +254,7 @@ QString helpText()
         "\n"
         "Options:\n"
         "  --contacts DIR   read the address book from this vCard folder\n"
+        "  --info FILE      read the deployment settings (Info.ini) from FILE\n"
         "  --self-test      load every screen without showing it, then exit\n"
         "  -h, --help       show this help\n"
         "  -v, --version    show the version\n"
@@ -271,11 +273,16 @@ int run(const QStringList &arguments)
         const QString &argument = arguments.at(i);
         if (argument == u"--json") {
             json = true;
-        } else if (argument == u"--search" || argument == u"--contacts") {
+        } else if (argument == u"--search" || argument == u"--contacts" || argument == u"--info") {
             if (i + 1 >= arguments.size()) {
                 return usageError(argument + u" needs a value");
             }
-            (argument == u"--search" ? search : contactsFolder) = arguments.at(++i);
+            const QString value = arguments.at(++i);
+            if (argument == u"--info") {
+                DeploymentSettings::setSharedFile(value);
+            } else {
+                (argument == u"--search" ? search : contactsFolder) = value;
+            }
         } else if (argument.startsWith(u"--search=")) {
             search = argument.sliced(9);
         } else if (argument.startsWith(u"--contacts=")) {

@@ -10,6 +10,7 @@
 #include "PlasmaBrowserTabSource.h"
 #include "Workspace.h"
 #include "common/Trace.h"
+#include "settings/DeploymentSettings.h"
 #include "settings/Preferences.h"
 
 #include <QPointer>
@@ -53,7 +54,11 @@ CallsManager &CallsManager::shared()
     std::call_once(once, [] {
         SharedCollaborators given = sharedCollaborators();
         // Lives until the process ends, like its collaborators made here.
-        Workspace *workspace = given.workspace ? given.workspace : new SystemWorkspace;
+        const DeploymentSettings &deployment = DeploymentSettings::shared();
+        Workspace *workspace =
+            given.workspace
+                ? given.workspace
+                : new SystemWorkspace(deployment.value(QStringLiteral("CHROME_EXECUTABLE")).value_or(QString()));
         Preferences *preferences =
             given.preferences ? given.preferences : new Preferences(Preferences::defaultFilePath());
         Clipboard *clipboard = given.clipboard ? given.clipboard : new SystemClipboard;
@@ -64,7 +69,8 @@ CallsManager &CallsManager::shared()
         instance->setBrowserTabSource(&scriptHost);
 #else
         static PlasmaBrowserTabSource plasma;
-        static DevToolsTabSource devTools;
+        static DevToolsTabSource devTools(
+            static_cast<quint16>(deployment.value(QStringLiteral("CHROME_DEVTOOLS_PORT")).value_or(QString()).toUInt()));
         static FirefoxSessionTabSource firefox;
         static DesktopBrowserTabSource desktop({&plasma, &devTools}, {&plasma, &firefox});
         instance->setBrowserTabSource(&desktop);

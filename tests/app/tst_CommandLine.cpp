@@ -30,6 +30,7 @@ private Q_SLOTS:
     void contactsAndSearch();
     void help();
     void forwardedToRunningWindow();
+    void chromeFromDeploymentSettings();
 
 private:
     Run telverra(const QStringList &arguments);
@@ -233,6 +234,27 @@ wait $window
     QVERIFY2(!read(u"command.out"_qs).contains(u"make call button pressed"_qs), "not run by the command itself");
     QTest::qWait(300);
     QCOMPARE(opened().mid(before.size()), QStringList{u"tel://7001"_qs});
+}
+
+// Info.ini names the Chrome to start; with Chrome chosen in the preferences, the meeting opens there with "--".
+void tst_CommandLine::chromeFromDeploymentSettings()
+{
+    const QString chromeLog = m_home.path() + u"/chrome.log";
+    const QString chrome =
+        m_home.writeFile(u"opt/chrome"_qs, "#!/bin/sh\nfor a in \"$@\"; do printf '%s\\n' \"$a\"; done >> \"" +
+                                               QFile::encodeName(chromeLog) + "\"\n");
+    QVERIFY(QFile::setPermissions(chrome, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    const QString info =
+        m_home.writeFile(u"Info.ini"_qs, "[General]\nCHROME_EXECUTABLE=" + QFile::encodeName(chrome) + "\n");
+    m_home.writeFile(u".config/telverra/telverra.conf"_qs, "[General]\nuseChromeAsDefaultBrowser=true\n");
+    const Run run = telverra({u"--info"_qs, info, u"open"_qs, u"https://meet.jit.si/Chrome"_qs});
+    m_home.writeFile(u".config/telverra/telverra.conf"_qs, "[General]\nuseChromeAsDefaultBrowser=false\n");
+    QCOMPARE(run.status, 0);
+    QVERIFY2(run.out.contains(u"Successfully openned URL https://meet.jit.si/Chrome call in chrome"_qs),
+             qPrintable(run.out));
+    QFile log(chromeLog);
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    QCOMPARE(QString::fromUtf8(log.readAll()), u"--\nhttps://meet.jit.si/Chrome\n"_qs);
 }
 
 QTEST_GUILESS_MAIN(tst_CommandLine)

@@ -1,3 +1,4 @@
+#include "settings/DeploymentSettings.h"
 #include "settings/Preferences.h"
 #include "support/TestHome.h"
 
@@ -13,6 +14,7 @@ private Q_SLOTS:
     void defaults();
     void writtenValuesSurviveAndAreSeenElsewhere();
     void byName();
+    void deploymentSettings();
 
 private:
     TestHome m_home;
@@ -73,6 +75,19 @@ void tst_Preferences::byName()
     preferences.setBoolValue(u"noSuchKey"_qs, true);
     QCOMPARE(changed.size(), 0);
     QVERIFY(!preferences.boolValue(u"noSuchKey"_qs));
+}
+
+void tst_Preferences::deploymentSettings()
+{
+    QCOMPARE(DeploymentSettings::defaultFile(), QString()); // none installed in this home
+    const QString file = m_home.writeFile(u".local/share/telverra/Info.ini"_qs,
+                                          "[General]\nWEATHER_API_KEY=\nCHROME_DEVTOOLS_PORT=9222\n");
+    QCOMPARE(DeploymentSettings::defaultFile(), file);
+    const DeploymentSettings settings(file);
+    QCOMPARE(settings.value(u"CHROME_DEVTOOLS_PORT"_qs), std::optional(u"9222"_qs));
+    QCOMPARE(settings.value(u"WEATHER_API_KEY"_qs), std::optional(QString())); // present but empty
+    QCOMPARE(settings.value(u"QUOTE_SERVICE_BASE_URL"_qs), std::nullopt);
+    QCOMPARE(DeploymentSettings(m_home.path() + u"/missing.ini"_qs).value(u"WEATHER_API_KEY"_qs), std::nullopt);
 }
 
 QTEST_GUILESS_MAIN(tst_Preferences)
