@@ -16,6 +16,8 @@
 #include <QCoreApplication>
 #include <QTemporaryDir>
 
+#include "BenchMain.h"
+
 #include <benchmark/benchmark.h>
 
 namespace {
@@ -49,20 +51,26 @@ struct Fixture
         preferences.setValue(PreferenceKey::fixedQuoteOnStartup, true);
     }
     QString storeFile() const { return dir.path() + u"/Telverra.sqlite"; }
-    std::unique_ptr<HomeWindowViewModel> make(std::unique_ptr<CoreDataManager> &store,
-                                              std::unique_ptr<VCardDirectoryStore> &folder,
-                                              std::unique_ptr<ContactStoreManager> &manager)
+
+    // A view model over the fixture's home, with what it is made from; ready once the contacts are published.
+    struct Instance
     {
-        store = std::make_unique<CoreDataManager>(storeFile());
-        folder = std::make_unique<VCardDirectoryStore>(QStringList{dir.path() + u"/contacts"});
-        manager = std::make_unique<ContactStoreManager>(*folder);
-        auto vm = std::make_unique<HomeWindowViewModel>(
-            HomeWindowViewModel::Environment{&preferences, &calls, store.get(), manager.get(), &clipboard});
-        while (vm->allContacts().isEmpty()) {
-            QCoreApplication::processEvents();
+        explicit Instance(Fixture &fixture)
+            : store(fixture.storeFile())
+            , folder(QStringList{fixture.dir.path() + u"/contacts"})
+            , manager(folder)
+            , vm(HomeWindowViewModel::Environment{&fixture.preferences, &fixture.calls, &store, &manager,
+                                                  &fixture.clipboard})
+        {
+            while (vm.allContacts().isEmpty()) {
+                QCoreApplication::processEvents();
+            }
         }
-        return vm;
-    }
+        CoreDataManager store;
+        VCardDirectoryStore folder;
+        ContactStoreManager manager;
+        HomeWindowViewModel vm;
+    };
 
     QTemporaryDir dir;
     Preferences preferences;
@@ -74,10 +82,8 @@ struct Fixture
 void BM_ContactSearch(benchmark::State &state)
 {
     static Fixture fixture(100'000, 0);
-    std::unique_ptr<CoreDataManager> store;
-    std::unique_ptr<VCardDirectoryStore> folder;
-    std::unique_ptr<ContactStoreManager> manager;
-    auto vm = fixture.make(store, folder, manager);
+    Fixture::Instance instance(fixture);
+    HomeWindowViewModel *vm = &instance.vm;
     const ContactSearchIndex index(vm->allContacts()); // made once per address book, with the first search
     const QString searches[] = {u"e"_qs, u"garcia"_qs, u"núñez12"_qs, u"empresa 4"_qs};
     int i = 0;
@@ -92,10 +98,8 @@ BENCHMARK(BM_ContactSearch)->Unit(benchmark::kMillisecond);
 void BM_ContactSearchScanOnly(benchmark::State &state)
 {
     static Fixture fixture(100'000, 0);
-    std::unique_ptr<CoreDataManager> store;
-    std::unique_ptr<VCardDirectoryStore> folder;
-    std::unique_ptr<ContactStoreManager> manager;
-    auto vm = fixture.make(store, folder, manager);
+    Fixture::Instance instance(fixture);
+    HomeWindowViewModel *vm = &instance.vm;
     const ContactSearchIndex index(vm->allContacts());
     const QString searches[] = {u"e"_qs, u"garcia"_qs, u"núñez12"_qs, u"empresa 4"_qs};
     int i = 0;
@@ -109,10 +113,8 @@ BENCHMARK(BM_ContactSearchScanOnly)->Unit(benchmark::kMillisecond);
 void BM_ContactSearchIndex(benchmark::State &state)
 {
     static Fixture fixture(100'000, 0);
-    std::unique_ptr<CoreDataManager> store;
-    std::unique_ptr<VCardDirectoryStore> folder;
-    std::unique_ptr<ContactStoreManager> manager;
-    auto vm = fixture.make(store, folder, manager);
+    Fixture::Instance instance(fixture);
+    HomeWindowViewModel *vm = &instance.vm;
     for (auto _ : state) {
         const ContactSearchIndex index(vm->allContacts());
         benchmark::DoNotOptimize(&index);
@@ -124,10 +126,8 @@ BENCHMARK(BM_ContactSearchIndex)->Unit(benchmark::kMillisecond);
 void BM_ContactSearchMainThreadShare(benchmark::State &state)
 {
     static Fixture fixture(100'000, 0);
-    std::unique_ptr<CoreDataManager> store;
-    std::unique_ptr<VCardDirectoryStore> folder;
-    std::unique_ptr<ContactStoreManager> manager;
-    auto vm = fixture.make(store, folder, manager);
+    Fixture::Instance instance(fixture);
+    HomeWindowViewModel *vm = &instance.vm;
     for (auto _ : state) {
         QList<Contact> copy = vm->allContacts(); // the by-value copy the filter works on (shared, not deep)
         benchmark::DoNotOptimize(copy.size());
@@ -138,10 +138,8 @@ BENCHMARK(BM_ContactSearchMainThreadShare)->Unit(benchmark::kNanosecond);
 void BM_FilteredRecentCalls(benchmark::State &state)
 {
     static Fixture fixture(10, 100'000);
-    std::unique_ptr<CoreDataManager> store;
-    std::unique_ptr<VCardDirectoryStore> folder;
-    std::unique_ptr<ContactStoreManager> manager;
-    auto vm = fixture.make(store, folder, manager);
+    Fixture::Instance instance(fixture);
+    HomeWindowViewModel *vm = &instance.vm;
     vm->setSearchTextForRecents(u"600 1234"_qs);
     for (auto _ : state) {
         benchmark::DoNotOptimize(vm->filteredRecentCalls().size());
@@ -153,22 +151,12 @@ void BM_ViewModelStartup(benchmark::State &state)
 {
     static Fixture fixture(10'000, 10'000);
     for (auto _ : state) {
-        std::unique_ptr<CoreDataManager> store;
-        std::unique_ptr<VCardDirectoryStore> folder;
-        std::unique_ptr<ContactStoreManager> manager;
-        auto vm = fixture.make(store, folder, manager);
-        benchmark::DoNotOptimize(vm->allRecentCalls().size());
+        Fixture::Instance instance(fixture);
+        benchmark::DoNotOptimize(instance.vm.allRecentCalls().size());
     }
 }
 BENCHMARK(BM_ViewModelStartup)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
-int main(int argc, char **argv)
-{
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+TELVERRA_BENCHMARK_MAIN()

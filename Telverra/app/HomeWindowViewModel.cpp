@@ -480,31 +480,27 @@ void HomeWindowViewModel::startMeetingInBrowser(CallTypes type)
 void HomeWindowViewModel::sendContactAction(const Contact &contact, const QString &destinationTag, CallTypes type)
 {
     Trace::line(u"send button of type " + caseName(type) + u" for contact: " + contact.fullName());
+    struct Action
+    {
+        CallTypes type;
+        CallResult (CallsManager::*launch)(const QString &);
+        const char16_t *trace;
+    };
+    // The mail row reuses the phone wording; any other kind launches nothing.
+    static constexpr Action actions[] = {
+        {CallTypes::telephone, &CallsManager::makePhoneCall, u"call launced with number: "},
+        {CallTypes::facetime, &CallsManager::makeFacetimeCall, u"facetime call with number: "},
+        {CallTypes::facetimeaudio, &CallsManager::makeFacetimeAudioCall, u"facetime-audio call with number: "},
+        {CallTypes::messages, &CallsManager::sendMessage, u"text sent with number: "},
+        {CallTypes::mail, &CallsManager::sendEmail, u"call launced with number: "},
+    };
     const QString destination = m_dialer.display;
-    switch (type) {
-    case CallTypes::telephone:
-        handleContactActionResult(m_callsManager->makePhoneCall(destination), contact, destinationTag, type,
-                                  u"call launced with number: " + destination);
-        break;
-    case CallTypes::facetime:
-        handleContactActionResult(m_callsManager->makeFacetimeCall(destination), contact, destinationTag, type,
-                                  u"facetime call with number: " + destination);
-        break;
-    case CallTypes::facetimeaudio:
-        handleContactActionResult(m_callsManager->makeFacetimeAudioCall(destination), contact, destinationTag, type,
-                                  u"facetime-audio call with number: " + destination);
-        break;
-    case CallTypes::messages:
-        handleContactActionResult(m_callsManager->sendMessage(destination), contact, destinationTag, type,
-                                  u"text sent with number: " + destination);
-        break;
-    case CallTypes::mail:
-        // The mail row reuses the phone wording.
-        handleContactActionResult(m_callsManager->sendEmail(destination), contact, destinationTag, type,
-                                  u"call launced with number: " + destination);
-        break;
-    default:
-        break;
+    for (const Action &action : actions) {
+        if (action.type == type) {
+            handleContactActionResult((m_callsManager->*action.launch)(destination), contact, destinationTag, type,
+                                      QString::fromUtf16(action.trace) + destination);
+            return;
+        }
     }
 }
 

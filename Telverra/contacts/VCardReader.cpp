@@ -255,26 +255,16 @@ QString labelForTypes(const QList<QByteArray> &types)
         return has("HOME") ? QStringLiteral("_$!<HomeFAX>!$_")
                            : (has("WORK") ? QStringLiteral("_$!<WorkFAX>!$_") : QStringLiteral("_$!<OtherFAX>!$_"));
     }
-    if (has("CELL") || has("MOBILE")) {
-        return QStringLiteral("_$!<Mobile>!$_");
-    }
-    if (has("IPHONE")) {
-        return QStringLiteral("_$!<iPhone>!$_");
-    }
-    if (has("MAIN")) {
-        return QStringLiteral("_$!<Main>!$_");
-    }
-    if (has("PAGER")) {
-        return QStringLiteral("_$!<Pager>!$_");
-    }
-    if (has("HOME")) {
-        return QStringLiteral("_$!<Home>!$_");
-    }
-    if (has("WORK")) {
-        return QStringLiteral("_$!<Work>!$_");
-    }
-    if (has("OTHER")) {
-        return QStringLiteral("_$!<Other>!$_");
+    // In order of precedence when a value carries several types.
+    static constexpr std::pair<const char *, const char16_t *> labels[] = {
+        {"CELL", u"_$!<Mobile>!$_"}, {"MOBILE", u"_$!<Mobile>!$_"}, {"IPHONE", u"_$!<iPhone>!$_"},
+        {"MAIN", u"_$!<Main>!$_"},   {"PAGER", u"_$!<Pager>!$_"},   {"HOME", u"_$!<Home>!$_"},
+        {"WORK", u"_$!<Work>!$_"},   {"OTHER", u"_$!<Other>!$_"},
+    };
+    for (const auto &[type, label] : labels) {
+        if (has(type)) {
+            return QString::fromUtf16(label);
+        }
     }
     return {};
 }
