@@ -35,14 +35,12 @@ struct Property
     QByteArray rawValue;
 };
 
-// Splits at the separator outside double quotes and parentheses.
-QList<QByteArrayView> splitOutside(QByteArrayView text, char separator)
+// The position of the first separator outside double quotes and parentheses, from `from` on; -1 when there is none.
+qsizetype indexOutside(QByteArrayView text, char separator, qsizetype from = 0)
 {
-    QList<QByteArrayView> parts;
     bool quoted = false;
     int depth = 0;
-    qsizetype start = 0;
-    for (qsizetype i = 0; i < text.size(); ++i) {
+    for (qsizetype i = from; i < text.size(); ++i) {
         const char c = text[i];
         if (c == '"') {
             quoted = !quoted;
@@ -51,9 +49,20 @@ QList<QByteArrayView> splitOutside(QByteArrayView text, char separator)
         } else if (!quoted && c == ')' && depth > 0) {
             --depth;
         } else if (!quoted && depth == 0 && c == separator) {
-            parts.append(text.sliced(start, i - start));
-            start = i + 1;
+            return i;
         }
+    }
+    return -1;
+}
+
+// Splits at the separator outside double quotes and parentheses.
+QList<QByteArrayView> splitOutside(QByteArrayView text, char separator)
+{
+    QList<QByteArrayView> parts;
+    qsizetype start = 0;
+    for (qsizetype at = indexOutside(text, separator); at >= 0; at = indexOutside(text, separator, start)) {
+        parts.append(text.sliced(start, at - start));
+        start = at + 1;
     }
     parts.append(text.sliced(start));
     return parts;
@@ -125,22 +134,7 @@ QString androidCustomLabel(QByteArrayView parameter)
 std::optional<Property> parseLine(QByteArrayView line)
 {
     // The value starts after the first colon outside quotes and parentheses.
-    bool quoted = false;
-    int depth = 0;
-    qsizetype colon = -1;
-    for (qsizetype i = 0; i < line.size(); ++i) {
-        const char c = line[i];
-        if (c == '"') {
-            quoted = !quoted;
-        } else if (!quoted && c == '(') {
-            ++depth;
-        } else if (!quoted && c == ')' && depth > 0) {
-            --depth;
-        } else if (!quoted && depth == 0 && c == ':') {
-            colon = i;
-            break;
-        }
-    }
+    const qsizetype colon = indexOutside(line, ':');
     if (colon <= 0) {
         return std::nullopt;
     }
