@@ -327,7 +327,9 @@ int run(const QStringList &arguments)
         folder = std::make_unique<VCardDirectoryStore>(QStringList{contactsFolder});
         ContactStoreManager::setSharedContactStore(folder.get());
     }
-    HomeWindowViewModel viewModel;
+    HomeWindowViewModel::Environment environment;
+    environment.headless = true;
+    HomeWindowViewModel viewModel(environment);
     waitForContacts(viewModel);
     if (command == u"recents") {
         return listRecents(viewModel, search, json);

@@ -9,11 +9,18 @@
 #include "contacts/ContactsDataService.h"
 #include "favorites/FavoritesDataService.h"
 #include "recents/RecentCallsDataService.h"
+#include "settings/DeploymentSettings.h"
 #include "settings/Preferences.h"
 #include "store/CoreDataManager.h"
+#include "weather/CoreLocationDataService.h"
+#include "weather/GeoClueLocationManager.h"
+#include "weather/OpenWeatherGeocoder.h"
+#include "weather/WeatherInfoDataService.h"
+#include "welcome/RandomQuoteDataService.h"
 
 #include <QCoreApplication>
 #include <QLocale>
+#include <QNetworkAccessManager>
 #include <QRegularExpression>
 #include <QSet>
 #include <QtConcurrent>
@@ -61,6 +68,7 @@ HomeWindowViewModel::HomeWindowViewModel(const Environment &environment, QObject
     , m_store(environment.store)
     , m_contactStore(environment.contactStore ? environment.contactStore : &ContactStoreManager::shared())
     , m_clipboard(environment.clipboard)
+    , m_headless(environment.headless)
 {
     // 1-2. Preferences are read at each use; everything else starts at its initial value.
     if (!m_preferences) {
@@ -71,20 +79,45 @@ HomeWindowViewModel::HomeWindowViewModel(const Environment &environment, QObject
         m_ownClipboard = std::make_unique<SystemClipboard>();
         m_clipboard = m_ownClipboard.get();
     }
+    QNetworkAccessManager *network = environment.network;
+    if (!network && !environment.headless) {
+        m_ownNetwork = std::make_unique<QNetworkAccessManager>();
+        network = m_ownNetwork.get();
+    }
+    const DeploymentSettings &deployment =
+        environment.deployment ? *environment.deployment : DeploymentSettings::shared();
+    LocationServices *locationServices = environment.locationServices;
+    if (!locationServices && !environment.headless) {
+        m_ownLocationServices = std::make_unique<GeoClueLocationServices>();
+        locationServices = m_ownLocationServices.get();
+    }
+    Geocoder *geocoder = environment.geocoder;
+    if (!geocoder && !environment.headless) {
+        m_ownGeocoder = std::make_unique<OpenWeatherGeocoder>(*network, deployment);
+        geocoder = m_ownGeocoder.get();
+    }
     // 3. The first preferred language.
     m_languageLocale = QLocale::system().uiLanguages().value(0);
 
-    // 4. The services, in this order (the location, weather and quote services join here).
+    // 4. The services, in this order.
     m_favoritesDataService = std::make_unique<FavoritesDataService>(m_store, m_contactStore);
     m_recentCallsDataService = std::make_unique<RecentCallsDataService>(m_store);
     m_recentCallsDataService->fetchRecentCalls();
     m_contactsDataService = std::make_unique<ContactsDataService>(m_contactStore);
+    if (!environment.headless) {
+        m_corelocationDataService =
+            std::make_unique<CoreLocationDataService>(*locationServices, *geocoder, m_preferences);
+        m_weatherInfoService = std::make_unique<WeatherInfoDataService>(*network, deployment);
+        m_randomQuoteDataService = std::make_unique<RandomQuoteDataService>(*network, deployment, m_languageLocale);
+    }
 
     // 5. Subscriptions, then the weather timer.
     m_searchDebounce.setSingleShot(true);
     m_searchDebounce.setInterval(500);
     subscribe();
-    startWeatherTimer();
+    if (!environment.headless) {
+        startWeatherTimer();
+    }
 }
 
 HomeWindowViewModel::~HomeWindowViewModel()
@@ -123,14 +156,23 @@ void HomeWindowViewModel::subscribe()
     recents();
 
     // 2. The welcome hand-over.
-    if (!fixedQuoteOnStartup()) {
+    if (!fixedQuoteOnStartup() && !m_headless) {
         m_timer = std::make_unique<QTimer>();
         m_timer->setInterval(1000);
         connect(m_timer.get(), &QTimer::timeout, this, &HomeWindowViewModel::welcomeTick);
         m_timer->start();
     }
 
-    // 3. The quote service is not part of this build yet.
+    // 3. The quote.
+    if (m_randomQuoteDataService) {
+        auto quote = [this] {
+            m_randomQuote = m_randomQuoteDataService->randomQuote();
+            Q_EMIT randomQuoteChanged();
+        };
+        m_cancelables.append(
+            connect(m_randomQuoteDataService.get(), &RandomQuoteDataService::randomQuoteChanged, this, quote));
+        quote();
+    }
 
     // 4. The contacts.
     m_cancelables.append(connect(m_contactsDataService.get(), &ContactsDataService::allContactsChanged, this,
@@ -173,7 +215,90 @@ void HomeWindowViewModel::subscribe()
     if (m_contactsDataService->permissionError()) {
         contactsError();
     }
-    // 9-13. The location and weather services are not part of this build yet.
+    if (m_corelocationDataService) {
+        subscribeToPlaceAndWeather();
+    }
+}
+
+void HomeWindowViewModel::subscribeToPlaceAndWeather()
+{
+    // 9. The location's permission text.
+    CoreLocationDataService *location = m_corelocationDataService.get();
+    auto locationError = [this, location] {
+        m_corelocationPermissionError = location->permissionError();
+        Q_EMIT corelocationPermissionErrorChanged();
+    };
+    m_cancelables.append(connect(location, &CoreLocationDataService::permissionErrorChanged, this, locationError));
+    locationError();
+
+    // 10. The position; each new one fetches the weather.
+    auto coordinates = [this, location] {
+        m_currentLocation = location->coordinates();
+        Q_EMIT currentLocationChanged();
+        if (m_currentLocation) {
+            m_weatherInfoService->getWeatherInfo(m_currentLocation->latitude(), m_currentLocation->longitude());
+        }
+    };
+    m_cancelables.append(connect(location, &CoreLocationDataService::coordinatesChanged, this, coordinates));
+    coordinates();
+
+    // 11-12. The place names.
+    auto city = [this, location] {
+        m_cityName = location->cityName();
+        Q_EMIT cityNameChanged();
+    };
+    m_cancelables.append(connect(location, &CoreLocationDataService::cityNameChanged, this, city));
+    city();
+    auto country = [this, location] {
+        m_countryName = location->countryName();
+        Q_EMIT countryNameChanged();
+    };
+    m_cancelables.append(connect(location, &CoreLocationDataService::countryNameChanged, this, country));
+    country();
+
+    // 13. The weather document, as the card's record.
+    auto weather = [this] {
+        if (const std::optional<WeatherInfo> &info = m_weatherInfoService->weatherInfo()) {
+            m_weatherInfo = WeatherInfoViewModel::from(*info, QDateTime::currentDateTime());
+            Q_EMIT weatherInfoChanged();
+        }
+    };
+    m_cancelables.append(
+        connect(m_weatherInfoService.get(), &WeatherInfoDataService::weatherInfoChanged, this, weather));
+    weather();
+}
+
+QVariant HomeWindowViewModel::weatherInfoValue() const
+{
+    return m_weatherInfo ? QVariant::fromValue(*m_weatherInfo) : QVariant();
+}
+
+QVariant HomeWindowViewModel::currentLocationValue() const
+{
+    return m_currentLocation ? QVariant::fromValue(*m_currentLocation) : QVariant();
+}
+
+QVariant HomeWindowViewModel::dailyWeatherViewModel() const
+{
+    if (!m_weatherInfo) {
+        return {};
+    }
+    return QVariant::fromValue(
+        DailyWeatherViewModel::make(*m_weatherInfo, m_cityName, m_countryName, QDateTime::currentDateTime()));
+}
+
+QString HomeWindowViewModel::greeting(const QDateTime &now) const
+{
+    return Welcome::greeting((now.isValid() ? now : QDateTime::currentDateTime()).time().hour());
+}
+
+void HomeWindowViewModel::updateWeatherInfo()
+{
+    if (!m_corelocationDataService) {
+        return;
+    }
+    m_corelocationDataService->startUp();
+    startWeatherTimer();
 }
 
 void HomeWindowViewModel::welcomeTick()
@@ -263,15 +388,15 @@ void HomeWindowViewModel::resolveFavoriteContacts()
 
 void HomeWindowViewModel::startWeatherTimer()
 {
-    if (!updateWeatherInfoEveryHour()) {
+    if (!updateWeatherInfoEveryHour() || !m_corelocationDataService) {
         return;
     }
     m_weatherTimer = std::make_unique<QTimer>();
     m_weatherTimer->setInterval(static_cast<int>(m_updateWeatherInfoDelay * 1000));
     connect(m_weatherTimer.get(), &QTimer::timeout, this, [this] {
         if (updateWeatherInfoEveryHour()) {
-            // The location service re-runs its start-up here, once it is part of the build; its new position
-            // fetches the weather.
+            // The new position the start-up publishes fetches the weather.
+            QTimer::singleShot(0, this, [this] { m_corelocationDataService->startUp(); });
         }
     });
     m_weatherTimer->start();

@@ -6,7 +6,9 @@
 #include "contacts/ContactStoreManagerError.h"
 #include "dialer/Dialer.h"
 #include "store/Entities.h"
+#include "weather/WeatherPresentation.h"
 
+#include <QGeoCoordinate>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
@@ -15,6 +17,13 @@
 #include <optional>
 
 class CallsManager;
+class CoreLocationDataService;
+class DeploymentSettings;
+class Geocoder;
+class LocationServices;
+class QNetworkAccessManager;
+class RandomQuoteDataService;
+class WeatherInfoDataService;
 class ContactSearchIndex;
 class Clipboard;
 class ContactStoreManager;
@@ -47,6 +56,10 @@ class HomeWindowViewModel : public QObject
     Q_PROPERTY(QString randomQuote READ randomQuote NOTIFY randomQuoteChanged)
     Q_PROPERTY(QString cityName READ cityName NOTIFY cityNameChanged)
     Q_PROPERTY(QString countryName READ countryName NOTIFY countryNameChanged)
+    Q_PROPERTY(QVariant weatherInfo READ weatherInfoValue NOTIFY weatherInfoChanged)
+    Q_PROPERTY(QVariant currentLocation READ currentLocationValue NOTIFY currentLocationChanged)
+    Q_PROPERTY(QString corelocationPermissionError READ corelocationPermissionErrorText NOTIFY
+                   corelocationPermissionErrorChanged)
     Q_PROPERTY(QString languageLocale READ languageLocale CONSTANT)
     Q_PROPERTY(bool fixedQuoteOnStartup READ fixedQuoteOnStartup CONSTANT)
     Q_PROPERTY(bool copyNumberURLToClipBoard READ copyNumberURLToClipBoard)
@@ -62,6 +75,13 @@ public:
         CoreDataManager *store = nullptr;
         ContactStoreManager *contactStore = nullptr;
         Clipboard *clipboard = nullptr;
+        QNetworkAccessManager *network = nullptr;
+        const DeploymentSettings *deployment = nullptr;
+        LocationServices *locationServices = nullptr;
+        Geocoder *geocoder = nullptr;
+        /// The command line's view model: no location, weather or quote services (no network, no GeoClue) and no
+        /// timers.
+        bool headless = false;
     };
 
     explicit HomeWindowViewModel(QObject *parent = nullptr);
@@ -77,6 +97,10 @@ public:
     FavoritesDataService &favoritesDataService() const { return *m_favoritesDataService; }
     RecentCallsDataService &recentCallsDataService() const { return *m_recentCallsDataService; }
     ContactsDataService &contactsDataService() const { return *m_contactsDataService; }
+    // Null in a headless view model.
+    RandomQuoteDataService *randomQuoteDataService() const { return m_randomQuoteDataService.get(); }
+    WeatherInfoDataService *weatherInfoService() const { return m_weatherInfoService.get(); }
+    CoreLocationDataService *corelocationDataService() const { return m_corelocationDataService.get(); }
     CallsManager &callsManager() const { return *m_callsManager; }
 
     bool isWelcomeShown() const { return m_isWelcomeShown; }
@@ -143,6 +167,18 @@ public:
     const QString &cityName() const { return m_cityName; }
     const QString &countryName() const { return m_countryName; }
     const std::optional<QString> &corelocationPermissionError() const { return m_corelocationPermissionError; }
+    QString corelocationPermissionErrorText() const { return m_corelocationPermissionError.value_or(QString()); }
+    const std::optional<WeatherInfoViewModel> &weatherInfo() const { return m_weatherInfo; }
+    /// The weather record for QML; null before the first document.
+    QVariant weatherInfoValue() const;
+    const std::optional<QGeoCoordinate> &currentLocation() const { return m_currentLocation; }
+    QVariant currentLocationValue() const;
+    /// What the daily forecast popover shows, built now (null before the first document).
+    Q_INVOKABLE QVariant dailyWeatherViewModel() const;
+    /// The welcome screen's greeting for the hour of `now` (the current time when invalid).
+    Q_INVOKABLE QString greeting(const QDateTime &now = QDateTime()) const;
+    /// The menu command "Update weather info": the location start-up again, then the weather timer.
+    Q_INVOKABLE void updateWeatherInfo();
     double updateWeatherInfoDelay() const { return m_updateWeatherInfoDelay; }
     /// The hourly weather timer while it exists.
     const QTimer *weatherTimer() const { return m_weatherTimer.get(); }
@@ -194,11 +230,14 @@ Q_SIGNALS:
     void cityNameChanged();
     void countryNameChanged();
     void corelocationPermissionErrorChanged();
+    void weatherInfoChanged();
+    void currentLocationChanged();
     /// A launch finished (with success or not); the command line waits for it.
     void launchFinished(bool success, const QString &text);
 
 private:
     void subscribe();
+    void subscribeToPlaceAndWeather();
     void welcomeTick();
     void handleContacts();
     void runContactFilter();
@@ -215,13 +254,20 @@ private:
     CoreDataManager *m_store;
     ContactStoreManager *m_contactStore;
     Clipboard *m_clipboard;
+    bool m_headless;
     std::unique_ptr<Preferences> m_ownPreferences;
     std::unique_ptr<Clipboard> m_ownClipboard;
+    std::unique_ptr<QNetworkAccessManager> m_ownNetwork;
+    std::unique_ptr<LocationServices> m_ownLocationServices;
+    std::unique_ptr<Geocoder> m_ownGeocoder;
 
     QString m_languageLocale;
     std::unique_ptr<FavoritesDataService> m_favoritesDataService;
     std::unique_ptr<RecentCallsDataService> m_recentCallsDataService;
     std::unique_ptr<ContactsDataService> m_contactsDataService;
+    std::unique_ptr<RandomQuoteDataService> m_randomQuoteDataService;
+    std::unique_ptr<WeatherInfoDataService> m_weatherInfoService;
+    std::unique_ptr<CoreLocationDataService> m_corelocationDataService;
     QList<QMetaObject::Connection> m_cancelables;
 
     bool m_isWelcomeShown = true;
@@ -249,11 +295,13 @@ private:
     QString m_searchTextForContacts;
     bool m_shouldSearchForContacts = false;
     QString m_randomQuote;
+    std::optional<WeatherInfoViewModel> m_weatherInfo;
     std::unique_ptr<QTimer> m_weatherTimer;
     double m_updateWeatherInfoDelay = 3600;
     std::optional<QString> m_corelocationPermissionError;
     QString m_cityName;
     QString m_countryName;
+    std::optional<QGeoCoordinate> m_currentLocation;
 
     QTimer m_searchDebounce;
     quint64 m_filterGeneration = 0;

@@ -62,3 +62,16 @@ void Preferences::setBoolValue(const QString &name, bool value)
         }
     }
 }
+
+QString Preferences::weatherPlace() const
+{
+    m_settings->sync();
+    return m_settings->value(QStringLiteral("weatherPlace"), QString()).toString();
+}
+
+void Preferences::setWeatherPlace(const QString &place)
+{
+    m_settings->setValue(QStringLiteral("weatherPlace"), place.trimmed());
+    m_settings->sync();
+    Q_EMIT valueChanged(QStringLiteral("weatherPlace"));
+}

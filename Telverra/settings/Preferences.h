@@ -65,6 +65,11 @@ public:
     Q_INVOKABLE bool boolValue(const QString &name) const;
     Q_INVOKABLE void setBoolValue(const QString &name, bool value);
 
+    /// The place the weather uses when the system gives no position (a city name; empty for none), key
+    /// "weatherPlace".
+    Q_INVOKABLE QString weatherPlace() const;
+    Q_INVOKABLE void setWeatherPlace(const QString &place);
+
 Q_SIGNALS:
     void valueChanged(const QString &name);
 

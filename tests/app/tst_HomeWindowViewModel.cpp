@@ -8,10 +8,17 @@
 #include "contacts/VCardDirectoryStore.h"
 #include "favorites/FavoritesDataService.h"
 #include "recents/RecentCallsDataService.h"
+#include "settings/DeploymentSettings.h"
 #include "settings/Preferences.h"
 #include "store/CoreDataManager.h"
+#include "support/LoopbackHttpServer.h"
 #include "support/RecordingWorkspace.h"
+#include "support/ScriptedLocation.h"
 #include "support/TestHome.h"
+#include "weather/WeatherInfoDataService.h"
+
+#include <QFile>
+#include <QNetworkAccessManager>
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -68,6 +75,8 @@ private Q_SLOTS:
     void saveFavoriteTelcosOrder();
     void filteredRecentCalls();
     void newMeeting();
+    void placeWeatherAndQuote();
+    void weatherTimerTickRunsTheLocationStartUp();
 
 private:
     void makeViewModel();
@@ -83,6 +92,11 @@ private:
     std::unique_ptr<CoreDataManager> m_store;
     std::unique_ptr<VCardDirectoryStore> m_addressBook;
     std::unique_ptr<ContactStoreManager> m_contacts;
+    LoopbackHttpServer m_server;
+    QNetworkAccessManager m_network;
+    std::unique_ptr<DeploymentSettings> m_deployment;
+    ScriptedServices m_location;
+    ScriptedGeocoder m_geocoder;
     std::unique_ptr<HomeWindowViewModel> m_vm;
 };
 
@@ -105,12 +119,23 @@ void tst_HomeWindowViewModel::init()
     m_addressBook = std::make_unique<VCardDirectoryStore>();
     m_contacts = std::make_unique<ContactStoreManager>(*m_addressBook);
     QGuiApplication::clipboard()->setText(u"untouched"_qs);
+    if (!m_server.isListening()) {
+        QVERIFY(m_server.listen());
+    }
+    m_deployment = std::make_unique<DeploymentSettings>(m_home->writeFile(
+        u"Info.ini"_qs, (u"[General]\nWEATHER_API_KEY=k3y\nWEATHER_API_BASE_URL=" + m_server.baseUrl() +
+                         u"\nQUOTE_SERVICE_BASE_URL=" + m_server.baseUrl() + u'\n')
+                            .toUtf8()));
+    m_location.enabled = true;
+    m_location.status = LocationManager::authorizedWhenInUse;
+    m_location.position = QGeoCoordinate(28.4636, -16.2518);
 }
 
 void tst_HomeWindowViewModel::makeViewModel()
 {
-    m_vm = std::make_unique<HomeWindowViewModel>(HomeWindowViewModel::Environment{
-        m_preferences.get(), m_calls.get(), m_store.get(), m_contacts.get(), &m_clipboard});
+    m_vm = std::make_unique<HomeWindowViewModel>(
+        HomeWindowViewModel::Environment{m_preferences.get(), m_calls.get(), m_store.get(), m_contacts.get(),
+                                         &m_clipboard, &m_network, m_deployment.get(), &m_location, &m_geocoder});
     QTRY_COMPARE(m_vm->allContacts().size(), 6);
 }
 
@@ -496,6 +521,58 @@ void tst_HomeWindowViewModel::newMeeting()
              u"the browser. The call will not be registered in recents."_qs);
     QCOMPARE(QGuiApplication::clipboard()->text(), meeting); // the earlier find, copied when the search cleared it
     QCOMPARE(records().size(), 1);
+}
+
+void tst_HomeWindowViewModel::placeWeatherAndQuote()
+{
+    QFile onecall(QStringLiteral(TELVERRA_TEST_DATA "/onecall.json"));
+    QVERIFY(onecall.open(QIODevice::ReadOnly));
+    m_server.setResponse(u"/data/2.5/onecall"_qs, 200, "application/json", onecall.readAll());
+    m_server.setResponse(u"/randomquote/es_ES"_qs, 200, "application/json", R"({"language":"es","text":"Hola."})");
+    m_server.setResponse(u"/randomquote/en_US"_qs, 200, "application/json", R"({"language":"en","text":"Hi."})");
+    const qsizetype before = m_server.requests().size();
+    makeViewModel();
+    QVERIFY(vm().currentLocation());
+    QCOMPARE(vm().currentLocation()->latitude(), 28.4636);
+    QCOMPARE(vm().corelocationPermissionError(), std::nullopt);
+    QTRY_COMPARE(vm().cityName(), u"La Laguna"_qs);
+    QCOMPARE(vm().countryName(), u"Spain"_qs);
+    QTRY_VERIFY(vm().weatherInfo().has_value());
+    QCOMPARE(vm().weatherInfo()->temp, u"21.0"_qs);
+    QCOMPARE(vm().weatherInfo()->openweather_id, u"801"_qs);
+    QCOMPARE(vm().weatherInfo()->icon, u"sun.max.fill"_qs); // "algo de nubes" is no English phrase
+    QCOMPARE(vm().weatherInfo()->daily.size(), 4);
+    const auto popover = vm().dailyWeatherViewModel().value<DailyWeatherViewModel>();
+    QCOMPARE(popover.title, u"La Laguna, Spain"_qs);
+    QCOMPARE(popover.rows.size(), 4);
+    QTRY_VERIFY(!vm().randomQuote().isEmpty());
+    QVERIFY(m_server.requests().mid(before).contains(
+        u"GET /data/2.5/onecall?lat=28.4636&lon=-16.2518&exclude=hourly,minutely&units=metric&lang=es_ES&appid=k3y"_qs));
+
+    // "Update weather info": the location start-up again, which fetches again.
+    m_location.position = QGeoCoordinate(40.0, -3.5);
+    vm().updateWeatherInfo();
+    QTRY_VERIFY(m_server.requests().last().startsWith(u"GET /data/2.5/onecall?lat=40.0&lon=-3.5&"));
+    QCOMPARE(vm().weatherInfoService()->cancelables(), 2);
+}
+
+void tst_HomeWindowViewModel::weatherTimerTickRunsTheLocationStartUp()
+{
+    m_location.enabled = false;
+    Trace::Capture capture;
+    makeViewModel();
+    QCOMPARE(vm().corelocationPermissionError().value_or(QString()).left(20), u"Show an alert lettin"_qs);
+    QVERIFY(!vm().currentLocation());
+    QVERIFY(vm().weatherTimer());
+    m_location.enabled = true;
+    QMetaObject::invokeMethod(const_cast<QTimer *>(vm().weatherTimer()), "timeout", Qt::DirectConnection);
+    QTRY_VERIFY(vm().currentLocation().has_value());
+    m_preferences->setValue(PreferenceKey::updateWeatherInfoEveryHour, false);
+    m_location.position = QGeoCoordinate(1, 1);
+    QMetaObject::invokeMethod(const_cast<QTimer *>(vm().weatherTimer()), "timeout", Qt::DirectConnection);
+    QTest::qWait(20);
+    QCOMPARE(vm().currentLocation()->latitude(), 28.4636); // the tick did nothing, the timer keeps running
+    QVERIFY(vm().weatherTimer()->isActive());
 }
 
 QTEST_MAIN(tst_HomeWindowViewModel)

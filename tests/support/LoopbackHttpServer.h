@@ -14,10 +14,18 @@ public:
     explicit LoopbackHttpServer(QObject *parent = nullptr);
 
     bool listen();
+    bool isListening() const { return m_server.isListening(); }
     quint16 port() const { return m_server.serverPort(); }
     QString baseUrl() const { return u"http://127.0.0.1:" + QString::number(port()); }
 
     void setResponse(const QString &path, int status, const QByteArray &contentType, const QByteArray &body);
+    /// Answers the path with the body one byte per interval.
+    void setTrickle(const QString &path, const QByteArray &body, int intervalMs);
+    /// Answers the path with `size` bytes of "x", written in pieces as the client reads them; with or without a
+    /// Content-Length header.
+    void setEndless(const QString &path, qint64 size, bool announceLength);
+    /// Bytes written for streamed answers so far.
+    qint64 bytesStreamed() const { return m_bytesStreamed; }
     /// "GET /path?query" per request, in order.
     QStringList requests() const { return m_requests; }
 
@@ -27,10 +35,15 @@ private:
         int status = 404;
         QByteArray contentType;
         QByteArray body;
+        int trickleMs = 0;
+        qint64 streamSize = -1;
+        bool announceLength = true;
     };
+    void stream(QTcpSocket *socket, qint64 remaining);
     void serve(QTcpSocket *socket);
 
     QTcpServer m_server;
     QHash<QString, Response> m_responses;
     QStringList m_requests;
+    qint64 m_bytesStreamed = 0;
 };

@@ -1,0 +1,83 @@
+#include "BoundedFetch.h"
+
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QPointer>
+#include <QTimer>
+
+#include <memory>
+
+namespace {
+
+struct Transfer
+{
+    QByteArray body;
+    QString cutText; // why the transfer was cut short, if it was
+};
+
+} // namespace
+
+void boundedGet(QNetworkAccessManager &network, const QUrl &url, QObject *context,
+                std::function<void(const FetchResult &)> done, FetchLimits limits)
+{
+    QNetworkRequest request(url);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    request.setMaximumRedirectsAllowed(5);
+    QNetworkReply *reply = network.get(request);
+    auto transfer = std::make_shared<Transfer>();
+    QPointer<QObject> receiver(context);
+
+    auto cut = [reply, transfer](const QString &why) {
+        if (transfer->cutText.isEmpty()) {
+            transfer->cutText = why;
+            reply->abort();
+        }
+    };
+    auto *deadline = new QTimer(reply);
+    deadline->setSingleShot(true);
+    QObject::connect(deadline, &QTimer::timeout, reply, [cut] { cut(QStringLiteral("The request timed out.")); });
+    deadline->start(limits.deadlineMs);
+
+    const qint64 cap = limits.maxBodyBytes;
+    auto tooLarge = [cap] { return QStringLiteral("The response is larger than %1 bytes.").arg(cap); };
+    QObject::connect(reply, &QNetworkReply::metaDataChanged, reply, [reply, cap, cut, tooLarge] {
+        const QVariant length = reply->header(QNetworkRequest::ContentLengthHeader);
+        if (length.isValid() && length.toLongLong() > cap) {
+            cut(tooLarge());
+        }
+    });
+    QObject::connect(reply, &QNetworkReply::readyRead, reply, [reply, transfer, cap, cut, tooLarge] {
+        if (!transfer->cutText.isEmpty()) {
+            return;
+        }
+        if (transfer->body.size() + reply->bytesAvailable() > cap) {
+            cut(tooLarge());
+            return;
+        }
+        transfer->body += reply->readAll();
+    });
+    QObject::connect(reply, &QNetworkReply::finished, reply, [reply, transfer, receiver, done = std::move(done), cap] {
+        reply->deleteLater();
+        FetchResult result;
+        if (transfer->cutText.isEmpty() && transfer->body.size() + reply->bytesAvailable() <= cap) {
+            transfer->body += reply->readAll();
+        } else if (transfer->cutText.isEmpty()) {
+            transfer->cutText = QStringLiteral("The response is larger than %1 bytes.").arg(cap);
+        }
+        const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+        result.status = status.isValid() ? status.toInt() : 0;
+        if (!transfer->cutText.isEmpty()) {
+            result.errorText = transfer->cutText;
+        } else if (reply->error() != QNetworkReply::NoError && result.status == 0) {
+            result.errorText = reply->errorString();
+        } else {
+            // An HTTP error status is still a transfer: the caller judges the status.
+            result.transferred = true;
+            result.body = std::move(transfer->body);
+        }
+        if (receiver) {
+            done(result);
+        }
+    });
+}

@@ -1,0 +1,169 @@
+#include "WeatherPresentation.h"
+
+#include "common/FatalError.h"
+
+namespace WeatherPresentation {
+
+namespace {
+
+struct SymbolRow
+{
+    const char16_t *condition;
+    const char *day;
+    const char *night;
+};
+
+constexpr SymbolRow currentConditionsTable[] = {
+    {u"clear sky", "sun.max.fill", "moon.fill"},
+    {u"few clouds", "cloud.sun.fill", "cloud.moon.fill"},
+    {u"scattered clouds", "cloud.fill", "cloud.fill"},
+    {u"broken clouds", "cloud.fill", "cloud.fill"},
+    {u"shower rain", "cloud.heavyrain.fill", "cloud.moon.rain.fill"},
+    {u"rain", "cloud.rain.fill", "cloud.rain.fill"},
+    {u"thunderstorm", "cloud.bolt.fill", "cloud.moon.bolt.fill"},
+    {u"snow", "cloud.snow.fill", "cloud.snow.fill"},
+    {u"mist", "cloud.fog.fill", "cloud.fog.fill"},
+};
+
+constexpr SymbolRow dailyTable[] = {
+    {u"Clear", "sun.max.fill", "moon.fill"},
+    {u"Clouds", "cloud.sun.fill", "cloud.moon.fill"},
+    {u"Thunderstorm", "cloud.bolt.fill", "cloud.moon.bolt.fill"},
+    {u"Rain", "cloud.rain.fill", "cloud.moon.rain.fill"},
+    {u"Snow", "cloud.snow.fill", "cloud.snow.fill"},
+    {u"Mist", "cloud.fog.fill", "cloud.fog.fill"},
+};
+
+template<std::size_t N>
+QString symbol(const SymbolRow (&table)[N], const QString &condition, int hour)
+{
+    for (const SymbolRow &row : table) {
+        if (condition == QStringView(row.condition)) {
+            return QString::fromLatin1(isDaytime(hour) ? row.day : row.night);
+        }
+    }
+    return QStringLiteral("sun.max.fill");
+}
+
+QString capitalizedFirstLetter(QString text)
+{
+    if (!text.isEmpty()) {
+        text.replace(0, 1, text.left(1).toUpper());
+    }
+    return text;
+}
+
+} // namespace
+
+bool isDaytime(int hour)
+{
+    return static_cast<unsigned>(hour - 5) < 16U;
+}
+
+QString currentConditionsIcon(const QString &description, int hour)
+{
+    return symbol(currentConditionsTable, description, hour);
+}
+
+QString dailyWeatherIcon(const QString &mainCondition, int hour)
+{
+    return symbol(dailyTable, mainCondition, hour);
+}
+
+QString temperatureText(double celsius)
+{
+    return QString::asprintf("%.1f", celsius);
+}
+
+QString relativeTimeText(const QDateTime &date, const QDateTime &now, const QLocale &locale)
+{
+    const QDate today = now.date();
+    const QDate day = date.date();
+    if (day == today) {
+        return locale.toString(date.time(), QStringLiteral("HH:mm"));
+    }
+    if (day == today.addDays(-1)) {
+        return QStringLiteral("yesterday");
+    }
+    if (date < now && date >= today.addDays(-7).startOfDay()) {
+        return locale.standaloneDayName(day.dayOfWeek(), QLocale::LongFormat);
+    }
+    return locale.standaloneDayName(day.dayOfWeek(), QLocale::ShortFormat) + u", " +
+           locale.toString(day, QStringLiteral("dd/MM/yyyy"));
+}
+
+QString abbreviatedWeekday(const QDateTime &date, const QLocale &locale)
+{
+    return capitalizedFirstLetter(locale.dayName(date.date().dayOfWeek(), QLocale::ShortFormat));
+}
+
+QString dayLabel(qint64 secondsSince1970, const QDateTime &now, const QLocale &locale)
+{
+    const QDateTime date = QDateTime::fromSecsSinceEpoch(secondsSince1970, now.timeSpec());
+    if (date.date() == now.date()) {
+        return QStringLiteral("Today");
+    }
+    return abbreviatedWeekday(date, locale);
+}
+
+QString attributionText(const QDateTime &updated, const QDateTime &now, const QLocale &locale)
+{
+    return u"free weather data provided by [Open Weather Map](" + QString::fromLatin1(providerAddress) +
+           u"). Last updated on " + abbreviatedWeekday(updated, locale) + u" at " +
+           relativeTimeText(updated, now, locale);
+}
+
+QString placeTitle(const QString &cityName, const QString &countryName)
+{
+    if (cityName.isEmpty() || countryName.isEmpty()) {
+        return cityName + countryName;
+    }
+    return cityName + u", " + countryName;
+}
+
+} // namespace WeatherPresentation
+
+WeatherInfoViewModel WeatherInfoViewModel::from(const WeatherInfo &info, const QDateTime &now)
+{
+    if (info.current.weather.isEmpty()) {
+        fatalError("Telverra/WeatherInfoViewModel", __LINE__,
+                   QStringLiteral("the current conditions of a weather document hold no weather entry"));
+    }
+    const Weather &condition = info.current.weather.first();
+    WeatherInfoViewModel model;
+    model.openweather_id = QString::number(condition.id);
+    model.temp = WeatherPresentation::temperatureText(info.current.temp);
+    model.icon = WeatherPresentation::currentConditionsIcon(condition.weatherDescription, now.time().hour());
+    model.main = condition.main;
+    model.description = condition.weatherDescription;
+    model.daily = info.daily;
+    model.date = QDateTime::fromSecsSinceEpoch(info.current.dt, now.timeSpec());
+    return model;
+}
+
+DailyWeatherViewModel DailyWeatherViewModel::make(const WeatherInfoViewModel &weather, const QString &cityName,
+                                                  const QString &countryName, const QDateTime &now)
+{
+    DailyWeatherViewModel model;
+    model.date = weather.date;
+    model.dailyInfo = weather.daily;
+    model.cityName = cityName;
+    model.countryName = countryName;
+    model.title = WeatherPresentation::placeTitle(cityName, countryName);
+    for (const Daily &day : weather.daily) {
+        if (day.weather.isEmpty()) {
+            fatalError("Telverra/DailyWeatherViewModel", __LINE__,
+                       QStringLiteral("a forecast day of a weather document holds no weather entry"));
+        }
+        const QString label = WeatherPresentation::dayLabel(day.dt, now);
+        model.rows.append(QVariantMap{
+            {QStringLiteral("dayLabel"), label},
+            {QStringLiteral("max"), WeatherPresentation::temperatureText(day.temp.max)},
+            {QStringLiteral("min"), WeatherPresentation::temperatureText(day.temp.min)},
+            {QStringLiteral("icon"),
+             WeatherPresentation::dailyWeatherIcon(day.weather.first().main, now.time().hour())},
+            {QStringLiteral("isToday"), QDateTime::fromSecsSinceEpoch(day.dt, now.timeSpec()).date() == now.date()}});
+    }
+    model.attribution = WeatherPresentation::attributionText(weather.date, now);
+    return model;
+}

@@ -1,0 +1,90 @@
+#include "RandomQuoteDataService.h"
+
+#include "common/StrictJson.h"
+#include "common/Trace.h"
+#include "settings/DeploymentSettings.h"
+
+#include <QUrl>
+
+RandomQuoteDataService::RandomQuoteDataService(QNetworkAccessManager &network, const DeploymentSettings &deployment,
+                                               const QString &languageLocale, QObject *parent)
+    : QObject(parent)
+    , m_languageLocale(languageLocale)
+    , m_network(network)
+{
+    fetch(deployment.value(QStringLiteral("QUOTE_SERVICE_BASE_URL")).value_or(QString()), {});
+}
+
+QString RandomQuoteDataService::quotePath(const QString &languageLocale)
+{
+    static const QString spanish = QStringLiteral("/randomquote/es_ES");
+    static const QString english = QStringLiteral("/randomquote/en_US");
+    if (languageLocale == u"es-ES" || languageLocale.contains(u"es")) {
+        return spanish;
+    }
+    if (languageLocale == u"en" || languageLocale.contains(u"en")) {
+        return english;
+    }
+    return spanish;
+}
+
+void RandomQuoteDataService::fetch(const QString &baseUrl, FetchLimits limits)
+{
+    QString base = baseUrl;
+    while (base.endsWith(u'/')) {
+        base.chop(1);
+    }
+    const QUrl url(base + quotePath(m_languageLocale), QUrl::StrictMode);
+    if (base.isEmpty() || !url.isValid() || url.host().isEmpty() ||
+        (url.scheme() != u"https" && url.scheme() != u"http")) {
+        return;
+    }
+    m_randomQuoteSubscription = true;
+    boundedGet(
+        m_network, url, this,
+        [this](const FetchResult &result) {
+            m_randomQuoteSubscription = false;
+            if (!result.transferred) {
+                Trace::line(result.errorText);
+                return;
+            }
+            if (!result.isSuccessStatus()) {
+                Trace::line(QStringLiteral("The operation couldn’t be completed. (NSURLErrorDomain error -1011.)"));
+                return;
+            }
+            StrictJson json;
+            const QJsonObject object = json.document(result.body);
+            json.text(object, QStringLiteral("language"));
+            const QString text = json.text(object, QStringLiteral("text"));
+            if (!json.ok()) {
+                Trace::line(json.failureText());
+                return;
+            }
+            m_randomQuote = text;
+            Q_EMIT randomQuoteChanged();
+        },
+        limits);
+}
+
+namespace Welcome {
+
+QString greeting(int hour)
+{
+    if (hour >= 5 && hour <= 11) {
+        return QStringLiteral("Good morning !!!");
+    }
+    if (hour >= 12 && hour <= 17) {
+        return QStringLiteral("Good afternoon !!!");
+    }
+    if (hour >= 18 && hour <= 21) {
+        return QStringLiteral("Good evening !!!");
+    }
+    return QStringLiteral("Good night !!!");
+}
+
+int nextIndicatorCount(int count)
+{
+    return count == 3 ? 0 : count + 1;
+}
+
+} // namespace Welcome
