@@ -7,13 +7,17 @@
 #include "settings/DeploymentSettings.h"
 #include "store/CoreDataManager.h"
 
+#include "app/SymbolIconProvider.h"
 #include <QCommandLineParser>
 #include <QDirIterator>
 #include <QGuiApplication>
+
+#include <QPalette>
 #include <QQmlApplicationEngine>
 #include <QQmlComponent>
 #include <QQuickStyle>
 #include <QQuickWindow>
+#include <QTimer>
 #include <QtQml/qqmlextensionplugin.h>
 
 #include <cstdio>
@@ -33,6 +37,68 @@ void printError(const QString &text)
 void prepareEngine(QQmlEngine &engine)
 {
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.addImageProvider(QStringLiteral("symbols"), new SymbolIconProvider);
+}
+
+// Platforms without a colour-scheme setting (a bare X server, some window managers) can ask for the dark palette.
+void applyColorScheme()
+{
+    if (qEnvironmentVariable("TELVERRA_COLOR_SCHEME") != u"dark") {
+        return;
+    }
+    QPalette dark;
+    dark.setColor(QPalette::Window, QColor(0x2b, 0x2b, 0x2e));
+    dark.setColor(QPalette::WindowText, QColor(0xf0, 0xf0, 0xf0));
+    dark.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x20));
+    dark.setColor(QPalette::AlternateBase, QColor(0x33, 0x33, 0x37));
+    dark.setColor(QPalette::Text, QColor(0xf0, 0xf0, 0xf0));
+    dark.setColor(QPalette::Button, QColor(0x3a, 0x3a, 0x3e));
+    dark.setColor(QPalette::ButtonText, QColor(0xf0, 0xf0, 0xf0));
+    dark.setColor(QPalette::Highlight, QColor(0x2f, 0x7d, 0xe1));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    dark.setColor(QPalette::PlaceholderText, QColor(0xa0, 0xa0, 0xa6));
+    dark.setColor(QPalette::ToolTipBase, QColor(0x3a, 0x3a, 0x3e));
+    dark.setColor(QPalette::ToolTipText, QColor(0xf0, 0xf0, 0xf0));
+    dark.setColor(QPalette::Mid, QColor(0x55, 0x55, 0x5a));
+    dark.setColor(QPalette::Light, QColor(0x4a, 0x4a, 0x50));
+    dark.setColor(QPalette::Dark, QColor(0x18, 0x18, 0x1a));
+    dark.setColor(QPalette::Link, QColor(0x6c, 0xb4, 0xff));
+    QGuiApplication::setPalette(dark);
+}
+
+// Saves a picture of each section into the folder, then quits (the screenshots of the README).
+void takeScreenshots(QQmlApplicationEngine &engine, HomeWindowViewModel &viewModel, const QString &folder)
+{
+    auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
+    if (!window) {
+        QCoreApplication::exit(1);
+        return;
+    }
+    const QString suffix = qEnvironmentVariable("TELVERRA_COLOR_SCHEME") == u"dark" ? u"-dark"_qs : u"-light"_qs;
+    struct Shot
+    {
+        const char *name;
+        std::function<void()> select;
+    };
+    auto shots = std::make_shared<QList<Shot>>(QList<Shot>{
+        {"welcome", [] {}},
+        {"dialer", [&viewModel] { viewModel.setIsDialerShown(true); }},
+        {"recents", [&viewModel] { viewModel.setIsRecentsShown(true); }},
+        {"weather", [window] { QMetaObject::invokeMethod(window, "openWeatherPopover"); }},
+    });
+    auto next = std::make_shared<std::function<void(int)>>();
+    *next = [=](int index) {
+        if (index >= shots->size()) {
+            QCoreApplication::quit();
+            return;
+        }
+        shots->at(index).select();
+        QTimer::singleShot(1500, window, [=] {
+            window->grabWindow().save(folder + u'/' + QLatin1StringView(shots->at(index).name) + suffix + u".png");
+            (*next)(index + 1);
+        });
+    };
+    QTimer::singleShot(2500, window, [next] { (*next)(0); });
 }
 
 } // namespace
@@ -57,9 +123,13 @@ int selfTest()
         ++loaded;
     }
 
+    HomeWindowViewModel::Environment environment;
+    environment.headless = true;
+    HomeWindowViewModel viewModel(environment);
     QQmlApplicationEngine application;
     prepareEngine(application);
-    application.setInitialProperties({{QStringLiteral("visible"), false}});
+    application.setInitialProperties(
+        {{QStringLiteral("viewModel"), QVariant::fromValue(&viewModel)}, {QStringLiteral("visible"), false}});
     application.load(mainQml);
     if (application.rootObjects().isEmpty()) {
         printError(QStringLiteral("self-test: the main window did not load"));
@@ -107,7 +177,11 @@ int run(int argc, char *argv[])
         QStringLiteral("info"), QStringLiteral("Read the deployment settings from FILE."), QStringLiteral("FILE"));
     parser.addOption(selfTestOption);
     parser.addOption(contactsOption);
+    const QCommandLineOption screenshotsOption(QStringLiteral("screenshots"),
+                                               QStringLiteral("Save a picture of each screen into DIR, then quit."),
+                                               QStringLiteral("DIR"));
     parser.addOption(infoOption);
+    parser.addOption(screenshotsOption);
     if (!parser.parse(arguments)) {
         std::fprintf(stderr, "telverra: %s\nTry 'telverra --help'.\n", qPrintable(parser.errorText()));
         return 2;
@@ -124,6 +198,7 @@ int run(int argc, char *argv[])
     }
     // The store is loaded before any window: a store that cannot be loaded stops the process here.
     CoreDataManager::shared();
+    applyColorScheme();
     std::unique_ptr<VCardDirectoryStore> contactsFolder;
     if (parser.isSet(contactsOption)) {
         contactsFolder = std::make_unique<VCardDirectoryStore>(QStringList{parser.value(contactsOption)});
@@ -135,12 +210,18 @@ int run(int argc, char *argv[])
 
     QQmlApplicationEngine engine;
     prepareEngine(engine);
+    engine.setInitialProperties(
+        {{QStringLiteral("viewModel"), QVariant::fromValue(&viewModel)},
+         {QStringLiteral("darkScheme"), qEnvironmentVariable("TELVERRA_COLOR_SCHEME") == u"dark"}});
     QObject::connect(
         &engine, &QQmlApplicationEngine::objectCreationFailed, &app, [] { QCoreApplication::exit(1); },
         Qt::QueuedConnection);
     engine.load(mainQml);
     if (engine.rootObjects().isEmpty()) {
         return 1;
+    }
+    if (parser.isSet(screenshotsOption)) {
+        takeScreenshots(engine, viewModel, parser.value(screenshotsOption));
     }
     return QGuiApplication::exec();
 }

@@ -220,7 +220,8 @@ bool isCommand(const QStringList &arguments)
     // Any word that is not an option or an option's value is a command (an unknown one is a usage error).
     for (qsizetype i = 1; i < arguments.size(); ++i) {
         const QString &argument = arguments.at(i);
-        if (argument == u"--contacts" || argument == u"--search" || argument == u"--info") {
+        if (argument == u"--contacts" || argument == u"--search" || argument == u"--info" ||
+            argument == u"--screenshots") {
             ++i;
             continue;
         }

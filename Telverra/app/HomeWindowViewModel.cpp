@@ -9,6 +9,7 @@
 #include "contacts/ContactsDataService.h"
 #include "favorites/FavoritesDataService.h"
 #include "recents/RecentCallsDataService.h"
+#include "recents/RecentCallsListModel.h"
 #include "settings/DeploymentSettings.h"
 #include "settings/Preferences.h"
 #include "store/CoreDataManager.h"
@@ -115,6 +116,7 @@ HomeWindowViewModel::HomeWindowViewModel(const Environment &environment, QObject
     m_searchDebounce.setSingleShot(true);
     m_searchDebounce.setInterval(500);
     subscribe();
+    m_recentCallsModel = std::make_unique<RecentCallsListModel>(*this);
     if (!environment.headless) {
         startWeatherTimer();
     }
@@ -746,4 +748,50 @@ void HomeWindowViewModel::handleMeetingResult(const CallResult &result)
     }
     clearDialerState();
     Q_EMIT launchFinished(true, address);
+}
+
+QObject *HomeWindowViewModel::recentCallsModel() const
+{
+    return m_recentCallsModel.get();
+}
+
+void HomeWindowViewModel::recallRecentAt(int row)
+{
+    const RecentCallEntityPtr record = m_recentCallsModel->record(row);
+    if (!record) {
+        return;
+    }
+    if (const std::optional<CallTypes> type = callTypesFromRawValue(record->callType())) {
+        recallRecent(record->destinationValue(), *type);
+    } else {
+        recallRecentWithUnknownType(record->destinationValue(), record->contactID());
+    }
+}
+
+void HomeWindowViewModel::addRecentToFavoritesAt(int row)
+{
+    if (const RecentCallEntityPtr record = m_recentCallsModel->record(row)) {
+        m_favoritesDataService->addFavoriteTelco(record->destinationValue(), record->callType(),
+                                                 record->destinationValue());
+    }
+}
+
+void HomeWindowViewModel::copyRecentValueAt(int row)
+{
+    if (const RecentCallEntityPtr record = m_recentCallsModel->record(row)) {
+        copyValueToClipboard(record->destinationValue());
+    }
+}
+
+void HomeWindowViewModel::removeRecentAt(int row)
+{
+    if (const RecentCallEntityPtr record = m_recentCallsModel->record(row)) {
+        m_recentCallsDataService->deleteRecentCall(record);
+        m_recentCallsDataService->fetchRecentCalls();
+    }
+}
+
+void HomeWindowViewModel::refreshRecents()
+{
+    m_recentCallsDataService->fetchRecentCalls();
 }

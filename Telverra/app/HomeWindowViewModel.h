@@ -32,6 +32,7 @@ class CoreDataManager;
 class FavoritesDataService;
 class Preferences;
 class RecentCallsDataService;
+class RecentCallsListModel;
 
 /// The one application object: the whole state the screens show, the services that fill it, and every operation
 /// the screens and the command line call.
@@ -61,6 +62,7 @@ class HomeWindowViewModel : public QObject
     Q_PROPERTY(QString corelocationPermissionError READ corelocationPermissionErrorText NOTIFY
                    corelocationPermissionErrorChanged)
     Q_PROPERTY(QString languageLocale READ languageLocale CONSTANT)
+    Q_PROPERTY(QObject *recentCallsModel READ recentCallsModel CONSTANT)
     Q_PROPERTY(bool fixedQuoteOnStartup READ fixedQuoteOnStartup CONSTANT)
     Q_PROPERTY(bool copyNumberURLToClipBoard READ copyNumberURLToClipBoard)
     Q_PROPERTY(bool updateWeatherInfoEveryHour READ updateWeatherInfoEveryHour)
@@ -201,6 +203,16 @@ public:
     void addContactToFavorites(const Contact &contact);
     Q_INVOKABLE void saveFavoriteTelcosOrder();
 
+    // The Recents screen: its rows and their actions, by row of the filtered list.
+    QObject *recentCallsModel() const;
+    /// Double click: calls the destination again (a stored type that is no known kind is called as a number).
+    Q_INVOKABLE void recallRecentAt(int row);
+    Q_INVOKABLE void addRecentToFavoritesAt(int row);
+    Q_INVOKABLE void copyRecentValueAt(int row);
+    Q_INVOKABLE void removeRecentAt(int row);
+    /// The screen's refresh: the history read again from the store.
+    Q_INVOKABLE void refreshRecents();
+
 Q_SIGNALS:
     void isWelcomeShownChanged();
     void isDialerShownChanged();
@@ -303,6 +315,7 @@ private:
     QString m_countryName;
     std::optional<QGeoCoordinate> m_currentLocation;
 
+    std::unique_ptr<RecentCallsListModel> m_recentCallsModel;
     QTimer m_searchDebounce;
     quint64 m_filterGeneration = 0;
     // Made by the first search over a contacts list, in the background, and kept until the list changes.

@@ -3,31 +3,140 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Telverra
 
+// The main window: the sidebar of sections beside the selected screen, the toolbar with the weather card, the menu
+// commands and the launch-error alert.
 ApplicationWindow {
     id: window
 
-    width: 960
-    height: 640
-    minimumWidth: 640
-    minimumHeight: 480
+    required property var viewModel
+    // Dark colours for desktops that do not tell their colour scheme (TELVERRA_COLOR_SCHEME=dark).
+    property bool darkScheme: false
+    Component.onCompleted: if (darkScheme) {
+        palette.window = "#2b2b2e"; palette.windowText = "#f0f0f0"; palette.base = "#1e1e20"
+        palette.alternateBase = "#333337"; palette.text = "#f0f0f0"; palette.button = "#3a3a3e"
+        palette.buttonText = "#f0f0f0"; palette.highlight = "#2f7de1"; palette.highlightedText = "#ffffff"
+        palette.placeholderText = "#a0a0a6"; palette.mid = "#55555a"; palette.light = "#4a4a50"
+        palette.dark = "#18181a"; palette.midlight = "#444448"; palette.shadow = "#000000"
+        palette.link = "#6cb4ff"; palette.toolTipBase = "#3a3a3e"; palette.toolTipText = "#f0f0f0"
+    }
+    // The section shown: the one whose flag was set last.
+    property string currentSection: "welcome"
+
+    function openWeatherPopover() { weatherCard.showDailyWeatherPopOver = true }
+    function chooseSection(section) {
+        // The sidebar's navigation selects one entry: the previous one is left.
+        viewModel.isWelcomeShown = false
+        viewModel.isDialerShown = section === "dialer"
+        viewModel.isRecentsShown = section === "recents"
+        viewModel.isFavoritesShown = section === "favorites"
+        viewModel.isContactsShown = section === "contacts"
+        currentSection = section
+    }
+
+    width: 1000
+    height: 680
+    minimumWidth: 720
+    minimumHeight: 520
     visible: true
     title: "Telverra"
 
-    ColumnLayout {
-        anchors.centerIn: parent
-        spacing: 12
+    Connections {
+        target: window.viewModel
+        function onIsWelcomeShownChanged() { if (window.viewModel.isWelcomeShown) window.currentSection = "welcome" }
+        function onIsDialerShownChanged() { if (window.viewModel.isDialerShown) window.currentSection = "dialer" }
+        function onIsRecentsShownChanged() { if (window.viewModel.isRecentsShown) window.currentSection = "recents" }
+        function onIsFavoritesShownChanged() { if (window.viewModel.isFavoritesShown) window.currentSection = "favorites" }
+        function onIsContactsShownChanged() { if (window.viewModel.isContactsShown) window.currentSection = "contacts" }
+        function onCallManagerErrorPublished(text) { errorAlert.open() }
+    }
 
-        Label {
-            Layout.alignment: Qt.AlignHCenter
-            text: "Telverra"
-            font.pixelSize: 40
-            font.bold: true
+    menuBar: MenuBar {
+        Menu {
+            title: "&View"
+            Action { text: "Toggle sidebar"; shortcut: "Ctrl+0"; onTriggered: sidebar.visible = !sidebar.visible }
+            Action { text: "Update weather info"; shortcut: "Ctrl+Shift+W"; onTriggered: window.viewModel.updateWeatherInfo() }
+            MenuSeparator {}
+            Action { text: "iPhone"; shortcut: "Ctrl+1"; onTriggered: window.viewModel.isDialerShown = true }
+            Action { text: "Recents"; shortcut: "Ctrl+2"; onTriggered: window.viewModel.isRecentsShown = true }
+            Action { text: "Favorites"; shortcut: "Ctrl+3"; onTriggered: window.viewModel.isFavoritesShown = true }
+            Action { text: "Contacts"; shortcut: "Ctrl+4"; onTriggered: window.viewModel.isContactsShown = true }
         }
-        Label {
-            Layout.alignment: Qt.AlignHCenter
-            text: qsTr("Calls, messages, mail and meetings from one window.")
-            color: window.palette.placeholderText
+        Menu {
+            title: "&Call"
+            Action { text: "Make call from dialpad"; shortcut: "Ctrl+Return"; onTriggered: window.viewModel.makeCallFromDialer() }
+            Action { text: "Clear display"; shortcut: "Ctrl+Backspace"; onTriggered: window.viewModel.clearDialer() }
+            MenuSeparator {}
+            Action { text: "Make call from clipboard"; shortcut: "Ctrl+Shift+V"; onTriggered: window.viewModel.makeCallFromClipboard() }
+            Action { text: "Create new Google Meet call"; shortcut: "Ctrl+Shift+G"; onTriggered: window.viewModel.startNewGoogleMeet() }
         }
+    }
+
+    header: ToolBar {
+        RowLayout {
+            anchors.fill: parent
+            anchors.leftMargin: 6
+            anchors.rightMargin: 6
+            ToolButton {
+                objectName: "toggleSidebar"
+                Accessible.name: "Toggle sidebar"
+                contentItem: SymbolIcon { name: "sidebar.left"; size: 22 }
+                onClicked: sidebar.visible = !sidebar.visible
+            }
+            Label {
+                text: "Telverra"
+                font.bold: true
+                font.pixelSize: 16
+            }
+            Item { Layout.fillWidth: true }
+            WeatherCardView {
+                id: weatherCard
+                viewModel: window.viewModel
+            }
+            ToolbarPopupMenu { viewModel: window.viewModel }
+        }
+    }
+
+    SplitView {
+        anchors.fill: parent
+
+        SidebarListView {
+            id: sidebar
+            SplitView.preferredWidth: 210
+            SplitView.minimumWidth: 170
+            SplitView.maximumWidth: 320
+            viewModel: window.viewModel
+            currentSection: window.currentSection
+            onSectionChosen: section => window.chooseSection(section)
+        }
+
+        StackLayout {
+            objectName: "sections"
+            SplitView.fillWidth: true
+            currentIndex: ["welcome", "dialer", "recents", "favorites", "contacts"].indexOf(window.currentSection)
+
+            WelcomeView { viewModel: window.viewModel }
+            DialerView { viewModel: window.viewModel; active: window.currentSection === "dialer" }
+            RecentsView { viewModel: window.viewModel }
+            SectionPlaceholder { title: "Favorites"; symbol: "heart.fill"; text: "Favourite contacts and meeting links will be listed here." }
+            SectionPlaceholder { title: "Contacts"; symbol: "person.circle.fill"; text: "Your address book will be listed here." }
+        }
+    }
+
+    Dialog {
+        id: errorAlert
+        objectName: "errorAlert"
+        anchors.centerIn: parent
+        modal: true
+        title: "Error trying to launch call"
+        standardButtons: Dialog.Ok
+        Label {
+            objectName: "errorAlertText"
+            text: window.viewModel.callManagerErrorMessage
+            wrapMode: Text.Wrap
+            width: Math.min(implicitWidth, window.width * 0.6)
+        }
+        Component.onCompleted: standardButton(Dialog.Ok).text = "Ok"
     }
 }

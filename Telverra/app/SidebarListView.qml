@@ -1,0 +1,94 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Telverra
+
+// The sidebar: the "Tools" section with its four entries, the clock and the "Configuration" menu.
+Pane {
+    id: sidebar
+
+    required property var viewModel
+    required property string currentSection
+    signal sectionChosen(string section)
+
+    padding: 8
+    background: Rectangle { color: sidebar.palette.alternateBase }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 2
+
+        Label {
+            text: "Tools"
+            font.bold: true
+            font.pixelSize: 12
+            color: sidebar.palette.placeholderText
+            Layout.leftMargin: 8
+            Layout.bottomMargin: 4
+        }
+
+        Repeater {
+            model: [
+                { section: "dialer", label: "iPhone", symbol: "menubar.dock.rectangle" },
+                { section: "recents", label: "Recents", symbol: "list.dash" },
+                { section: "favorites", label: "Favorites", symbol: "heart.fill" },
+                { section: "contacts", label: "Contacts", symbol: "person.circle.fill" }
+            ]
+            delegate: ItemDelegate {
+                id: entry
+
+                required property var modelData
+                readonly property bool selected: sidebar.currentSection === modelData.section
+
+                objectName: "sidebar-" + modelData.section
+                Layout.fillWidth: true
+                highlighted: selected
+                text: modelData.label
+                Accessible.name: modelData.label
+                contentItem: RowLayout {
+                    spacing: 10
+                    SymbolIcon {
+                        name: entry.modelData.symbol
+                        size: 18
+                        color: entry.selected ? sidebar.palette.highlightedText : sidebar.palette.highlight
+                    }
+                    Label {
+                        text: entry.text
+                        Layout.fillWidth: true
+                        color: entry.selected ? sidebar.palette.highlightedText : sidebar.palette.windowText
+                    }
+                }
+                onClicked: sidebar.sectionChosen(modelData.section)
+            }
+        }
+
+        Item { Layout.fillHeight: true }
+
+        DigitalClockView {
+            Layout.fillWidth: true
+            Layout.bottomMargin: 8
+        }
+
+        ToolButton {
+            id: gear
+            objectName: "configurationMenuButton"
+            Accessible.name: "Configuration"
+            ToolTip.visible: hovered
+            ToolTip.text: "Configuration"
+            contentItem: SymbolIcon { name: "gear"; size: 26 }
+            onClicked: configurationMenu.open()
+
+            Menu {
+                id: configurationMenu
+                y: -height
+                MenuItem {
+                    text: "Quit app"
+                    icon.source: "image://symbols/gear?color=" + String(sidebar.palette.windowText).substring(1)
+                    onTriggered: Qt.exit(0)
+                }
+            }
+        }
+    }
+}

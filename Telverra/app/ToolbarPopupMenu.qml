@@ -1,0 +1,30 @@
+import QtQuick
+import QtQuick.Controls
+import Telverra
+
+// The toolbar's pop-up menu: a new Google Meet, or a call to whatever is on the clipboard.
+ToolButton {
+    id: button
+
+    required property var viewModel
+
+    objectName: "toolbarPopupMenu"
+    Accessible.name: "Launch"
+    contentItem: SymbolIcon { name: "video.bubble.left.fill"; size: 22 }
+    onClicked: menu.open()
+
+    Menu {
+        id: menu
+        y: button.height
+        MenuItem {
+            text: "New Google Meet"
+            icon.source: "image://symbols/video.bubble.left.fill?color=" + String(button.palette.windowText).substring(1)
+            onTriggered: button.viewModel.startNewGoogleMeet()
+        }
+        MenuItem {
+            text: "Call from clipboard"
+            icon.source: "image://symbols/doc.on.clipboard?color=" + String(button.palette.windowText).substring(1)
+            onTriggered: button.viewModel.makeCallFromClipboard()
+        }
+    }
+}

@@ -1,0 +1,91 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Telverra
+
+// One call of the history: avatar, who or what, and when. Double click calls again; right click for more.
+ItemDelegate {
+    id: cell
+
+    required property var viewModel
+    required property int index
+    required property string destinationValue
+    required property string rowKind
+    required property string title
+    required property string subtitle
+    required property string relativeDate
+    required property string symbolName
+
+    objectName: "recent-" + index
+    height: 58
+    Accessible.name: title + ", " + subtitle + ", " + relativeDate
+
+    function showMenu() { contextMenu.popup() }
+
+    contentItem: RowLayout {
+        spacing: 12
+        Rectangle {
+            Layout.preferredWidth: 38
+            Layout.preferredHeight: 38
+            radius: 19
+            color: cell.palette.highlight
+            SymbolIcon { anchors.centerIn: parent; name: cell.symbolName; size: 20; color: cell.palette.highlightedText }
+        }
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: 1
+            visible: cell.rowKind !== "none"
+            Label {
+                Layout.fillWidth: true
+                text: cell.title
+                font.pixelSize: cell.rowKind === "personal" ? 17 : 15
+                font.bold: true
+                elide: Text.ElideRight
+            }
+            Label {
+                Layout.fillWidth: true
+                text: cell.subtitle
+                font.pixelSize: 12
+                color: cell.palette.placeholderText
+                elide: Text.ElideRight
+            }
+        }
+        Item { Layout.fillWidth: cell.rowKind === "none" }
+        Label {
+            objectName: "relativeDate"
+            text: cell.relativeDate
+            font.pixelSize: 12
+            color: cell.palette.placeholderText
+        }
+    }
+
+    TapHandler {
+        acceptedButtons: Qt.LeftButton
+        onDoubleTapped: cell.viewModel.recallRecentAt(cell.index)
+    }
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        onTapped: contextMenu.popup()
+    }
+
+    Menu {
+        id: contextMenu
+        objectName: "recentMenu"
+        MenuItem {
+            text: "Add to favorites"
+            icon.source: "image://symbols/star.fill?color=" + String(cell.palette.windowText).substring(1)
+            onTriggered: cell.viewModel.addRecentToFavoritesAt(cell.index)
+        }
+        MenuItem {
+            text: "Copy Value to clipboard"
+            icon.source: "image://symbols/doc.on.doc.fill?color=" + String(cell.palette.windowText).substring(1)
+            onTriggered: cell.viewModel.copyRecentValueAt(cell.index)
+        }
+        MenuSeparator {}
+        MenuItem {
+            text: "Remove from history"
+            icon.source: "image://symbols/trash.circle.fill?color=" + String(cell.palette.windowText).substring(1)
+            onTriggered: cell.viewModel.removeRecentAt(cell.index)
+        }
+    }
+}

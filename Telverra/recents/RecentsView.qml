@@ -1,0 +1,58 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Telverra
+
+// The history: a search over the destinations, the count, and one row per call, newest first.
+Item {
+    id: recentsView
+
+    required property var viewModel
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: 12
+        spacing: 8
+
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: 10
+            TextField {
+                id: search
+                objectName: "recentsSearch"
+                Layout.fillWidth: true
+                placeholderText: "search..."
+                Accessible.name: "Search the history"
+                text: recentsView.viewModel.searchTextForRecents
+                onTextChanged: if (text !== recentsView.viewModel.searchTextForRecents) recentsView.viewModel.searchTextForRecents = text
+            }
+            Label {
+                objectName: "recentsCount"
+                text: list.count + " entries"
+                color: recentsView.palette.placeholderText
+            }
+            ToolButton {
+                objectName: "refreshRecents"
+                Accessible.name: "Reload"
+                contentItem: SymbolIcon { name: "arrow.clockwise"; size: 18 }
+                onClicked: recentsView.viewModel.refreshRecents()
+            }
+        }
+
+        ListView {
+            id: list
+            objectName: "recentsList"
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            clip: true
+            model: recentsView.viewModel.recentCallsModel
+            ScrollBar.vertical: ScrollBar {}
+            delegate: RecentCallItemCellView {
+                width: ListView.view.width
+                viewModel: recentsView.viewModel
+            }
+        }
+    }
+}

@@ -1,0 +1,76 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Telverra
+
+// The daily forecast: the place, one framed row per day (today's set apart) and the provider's attribution.
+Popup {
+    id: popover
+
+    required property var viewModel
+    // Built when the popover opens.
+    property var vm: null
+
+    objectName: "dailyWeatherPopOver"
+    padding: 10
+    onAboutToShow: vm = viewModel.dailyWeatherViewModel()
+
+    contentItem: ColumnLayout {
+        spacing: 6
+        Label {
+            objectName: "placeTitle"
+            Layout.margins: 5
+            text: popover.vm ? popover.vm.title : ""
+            font.pixelSize: 20
+            font.bold: true
+        }
+        Repeater {
+            model: popover.vm ? popover.vm.rows : []
+            delegate: Rectangle {
+                id: dayRow
+                required property var modelData
+                objectName: "day-" + modelData.dayLabel
+                Layout.preferredWidth: 260
+                Layout.preferredHeight: rowLayout.implicitHeight + 16
+                radius: 5
+                color: modelData.isToday ? Qt.alpha(popover.palette.highlight, 0.18) : "transparent"
+                border.color: modelData.isToday ? popover.palette.highlight : popover.palette.windowText
+                border.width: modelData.isToday ? 2 : 1
+                RowLayout {
+                    id: rowLayout
+                    anchors.fill: parent
+                    anchors.margins: 8
+                    Label {
+                        text: dayRow.modelData.dayLabel
+                        font.pixelSize: 22
+                        font.bold: dayRow.modelData.isToday
+                        Layout.fillWidth: true
+                    }
+                    ColumnLayout {
+                        spacing: 0
+                        Label { text: dayRow.modelData.max; font.pixelSize: 15; font.bold: true }
+                        Label { text: dayRow.modelData.min; font.pixelSize: 13; color: popover.palette.placeholderText }
+                    }
+                    SymbolIcon {
+                        Layout.margins: 4
+                        name: dayRow.modelData.icon
+                        size: 28
+                    }
+                }
+            }
+        }
+        Label {
+            objectName: "attribution"
+            Layout.preferredWidth: 260
+            Layout.topMargin: 4
+            text: popover.vm ? popover.vm.attribution : ""
+            textFormat: Text.MarkdownText
+            wrapMode: Text.Wrap
+            font.pixelSize: 11
+            color: popover.palette.placeholderText
+            onLinkActivated: link => Qt.openUrlExternally(link)
+        }
+    }
+}
