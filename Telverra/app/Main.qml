@@ -135,7 +135,7 @@ ApplicationWindow {
             objectName: "errorAlertText"
             text: window.viewModel.callManagerErrorMessage
             wrapMode: Text.Wrap
-            width: Math.min(implicitWidth, window.width * 0.6)
+            width: Math.min(420, window.width * 0.6)
         }
         Component.onCompleted: standardButton(Dialog.Ok).text = "Ok"
     }

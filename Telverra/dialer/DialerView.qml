@@ -13,7 +13,7 @@ Item {
     property bool active: true
     readonly property var dialer: viewModel.dialer
 
-    onActiveChanged: if (active) display.forceActiveFocus()
+    onActiveChanged: if (active) displayField.forceActiveFocus()
 
     ColumnLayout {
         anchors.centerIn: parent
@@ -28,7 +28,7 @@ Item {
             border.color: dialerView.palette.mid
 
             TextField {
-                id: display
+                id: displayField
                 objectName: "display"
                 anchors.fill: parent
                 anchors.margins: 4
@@ -71,7 +71,7 @@ Item {
                     required property string modelData
                     key: modelData
                     onLongPressed: dialerView.viewModel.longPressDialerKey(key)
-                    onTapped: { dialerView.viewModel.pressDialerKey(key); display.forceActiveFocus() }
+                    onTapped: { dialerView.viewModel.pressDialerKey(key); displayField.forceActiveFocus() }
                 }
             }
         }

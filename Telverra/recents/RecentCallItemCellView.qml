@@ -59,10 +59,7 @@ ItemDelegate {
         }
     }
 
-    TapHandler {
-        acceptedButtons: Qt.LeftButton
-        onDoubleTapped: cell.viewModel.recallRecentAt(cell.index)
-    }
+    onDoubleClicked: cell.viewModel.recallRecentAt(cell.index)
     TapHandler {
         acceptedButtons: Qt.RightButton
         onTapped: contextMenu.popup()

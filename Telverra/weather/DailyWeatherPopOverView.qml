@@ -15,6 +15,7 @@ Popup {
 
     objectName: "dailyWeatherPopOver"
     padding: 10
+    width: 300
     onAboutToShow: vm = viewModel.dailyWeatherViewModel()
 
     contentItem: ColumnLayout {
@@ -32,8 +33,8 @@ Popup {
                 id: dayRow
                 required property var modelData
                 objectName: "day-" + modelData.dayLabel
-                Layout.preferredWidth: 260
-                Layout.preferredHeight: rowLayout.implicitHeight + 16
+                Layout.fillWidth: true
+                implicitHeight: rowLayout.implicitHeight + 16
                 radius: 5
                 color: modelData.isToday ? Qt.alpha(popover.palette.highlight, 0.18) : "transparent"
                 border.color: modelData.isToday ? popover.palette.highlight : popover.palette.windowText
@@ -63,7 +64,7 @@ Popup {
         }
         Label {
             objectName: "attribution"
-            Layout.preferredWidth: 260
+            Layout.fillWidth: true
             Layout.topMargin: 4
             text: popover.vm ? popover.vm.attribution : ""
             textFormat: Text.MarkdownText

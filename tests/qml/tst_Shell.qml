@@ -1,0 +1,82 @@
+import QtQuick
+import QtTest
+import Telverra
+
+// The main window: the menu shortcuts, the clipboard call and the launch-error alert.
+Item {
+    id: stage
+    width: 100
+    height: 100
+
+TestCase {
+    id: testCase
+    name: "Shell"
+    when: windowShown
+
+    property var window: null
+
+    function init() {
+        // One view model serves every test: start each from the first screen.
+        for (const flag of ["isDialerShown", "isRecentsShown", "isFavoritesShown", "isContactsShown"]) viewModel[flag] = false
+        viewModel.isWelcomeShown = true
+        const component = Qt.createComponent("qrc:/qt/qml/Telverra/app/Main.qml")
+        window = component.createObject(null, { viewModel: viewModel })
+        verify(window !== null, component.errorString())
+        window.requestActivate()
+        tryVerify(() => window.active)
+        testSupport.clearLaunches()
+    }
+    function cleanup() {
+        window.destroy()
+        viewModel.clearDialer()
+    }
+    function find(name) { return findChild(window.contentItem, name) }
+
+    function test_welcomeAtStartThenCtrl2SelectsRecentsFromTheDialer() {
+        compare(window.currentSection, "welcome")
+        viewModel.isDialerShown = true
+        compare(window.currentSection, "dialer")
+        testSupport.sendKey(window, Qt.Key_2, Qt.ControlModifier)
+        compare(window.currentSection, "recents")
+        verify(viewModel.isRecentsShown)
+        verify(viewModel.isDialerShown) // the menu commands only set their own flag
+    }
+
+    function test_ctrlBackspaceClearsTheDisplayAndItsWarning() {
+        testSupport.sendKey(window, Qt.Key_1, Qt.ControlModifier)
+        viewModel.validateDialerDisplay("12ab")
+        const warning = find("invalidNumberWarning")
+        tryCompare(warning, "opacity", 1)
+        testSupport.sendKey(window, Qt.Key_Backspace, Qt.ControlModifier)
+        compare(viewModel.dialer.display, "")
+        compare(viewModel.dialer.isInvalidNumber, false)
+        compare(warning.opacity, 0)
+    }
+
+    function test_ctrlShiftVCallsWhatIsOnTheClipboard_data() {
+        return [
+            { tag: "number", clipboard: "+34 600-123.456", launch: "tel://+34600123456" },
+            { tag: "meeting", clipboard: "https://meet.google.com/abc-defg-hij", launch: "https://meet.google.com/abc-defg-hij" }
+        ]
+    }
+    function test_ctrlShiftVCallsWhatIsOnTheClipboard(data) {
+        testSupport.setClipboard(data.clipboard)
+        testSupport.sendKey(window, Qt.Key_V, Qt.ControlModifier | Qt.ShiftModifier)
+        tryVerify(() => testSupport.launches().length === 1, 3000)
+        compare(testSupport.launches()[0], data.launch)
+    }
+
+    function test_failingLaunchShowsTheAlert() {
+        testSupport.setClipboard("https://example.com/room")
+        testSupport.sendKey(window, Qt.Key_V, Qt.ControlModifier | Qt.ShiftModifier)
+        const alert = findChild(window.contentItem.parent, "errorAlert") || findChild(window, "errorAlert")
+        verify(alert)
+        tryCompare(alert, "visible", true)
+        compare(alert.title, "Error trying to launch call")
+        compare(findChild(alert.contentItem, "errorAlertText").text,
+                "Telco not supported: Attempt to open Telco of type: 'https://example.com/room'")
+        alert.accept()
+        tryCompare(alert, "visible", false)
+    }
+}
+}
