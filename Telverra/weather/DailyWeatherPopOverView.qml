@@ -15,13 +15,20 @@ Popup {
 
     objectName: "dailyWeatherPopOver"
     padding: 10
-    width: 300
+    width: 340
     onAboutToShow: vm = viewModel.dailyWeatherViewModel()
+    background: Rectangle {
+        color: popover.palette.window
+        border.color: popover.palette.mid
+        radius: 6
+    }
 
     contentItem: ColumnLayout {
         spacing: 6
         Label {
             objectName: "placeTitle"
+            Layout.fillWidth: true
+            elide: Text.ElideRight
             Layout.margins: 5
             text: popover.vm ? popover.vm.title : ""
             font.pixelSize: 20
