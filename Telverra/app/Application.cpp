@@ -12,7 +12,6 @@
 #include <QDirIterator>
 #include <QGuiApplication>
 
-#include <QPalette>
 #include <QQmlApplicationEngine>
 #include <QQmlComponent>
 #include <QQuickStyle>
@@ -38,32 +37,6 @@ void prepareEngine(QQmlEngine &engine)
 {
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QStringLiteral("symbols"), new SymbolIconProvider);
-}
-
-// Platforms without a colour-scheme setting (a bare X server, some window managers) can ask for the dark palette.
-void applyColorScheme()
-{
-    if (qEnvironmentVariable("TELVERRA_COLOR_SCHEME") != u"dark") {
-        return;
-    }
-    QPalette dark;
-    dark.setColor(QPalette::Window, QColor(0x2b, 0x2b, 0x2e));
-    dark.setColor(QPalette::WindowText, QColor(0xf0, 0xf0, 0xf0));
-    dark.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x20));
-    dark.setColor(QPalette::AlternateBase, QColor(0x33, 0x33, 0x37));
-    dark.setColor(QPalette::Text, QColor(0xf0, 0xf0, 0xf0));
-    dark.setColor(QPalette::Button, QColor(0x3a, 0x3a, 0x3e));
-    dark.setColor(QPalette::ButtonText, QColor(0xf0, 0xf0, 0xf0));
-    dark.setColor(QPalette::Highlight, QColor(0x2f, 0x7d, 0xe1));
-    dark.setColor(QPalette::HighlightedText, Qt::white);
-    dark.setColor(QPalette::PlaceholderText, QColor(0xa0, 0xa0, 0xa6));
-    dark.setColor(QPalette::ToolTipBase, QColor(0x3a, 0x3a, 0x3e));
-    dark.setColor(QPalette::ToolTipText, QColor(0xf0, 0xf0, 0xf0));
-    dark.setColor(QPalette::Mid, QColor(0x55, 0x55, 0x5a));
-    dark.setColor(QPalette::Light, QColor(0x4a, 0x4a, 0x50));
-    dark.setColor(QPalette::Dark, QColor(0x18, 0x18, 0x1a));
-    dark.setColor(QPalette::Link, QColor(0x6c, 0xb4, 0xff));
-    QGuiApplication::setPalette(dark);
 }
 
 // Saves a picture of each section into the folder, then quits (the screenshots of the README).
@@ -198,7 +171,6 @@ int run(int argc, char *argv[])
     }
     // The store is loaded before any window: a store that cannot be loaded stops the process here.
     CoreDataManager::shared();
-    applyColorScheme();
     std::unique_ptr<VCardDirectoryStore> contactsFolder;
     if (parser.isSet(contactsOption)) {
         contactsFolder = std::make_unique<VCardDirectoryStore>(QStringList{parser.value(contactsOption)});

@@ -18,6 +18,11 @@ struct Transfer
 
 } // namespace
 
+bool isFetchableUrl(const QUrl &url)
+{
+    return url.isValid() && !url.host().isEmpty() && (url.scheme() == u"https" || url.scheme() == u"http");
+}
+
 void boundedGet(QNetworkAccessManager &network, const QUrl &url, QObject *context,
                 std::function<void(const FetchResult &)> done, FetchLimits limits)
 {
@@ -57,27 +62,28 @@ void boundedGet(QNetworkAccessManager &network, const QUrl &url, QObject *contex
         }
         transfer->body += reply->readAll();
     });
-    QObject::connect(reply, &QNetworkReply::finished, reply, [reply, transfer, receiver, done = std::move(done), cap] {
-        reply->deleteLater();
-        FetchResult result;
-        if (transfer->cutText.isEmpty() && transfer->body.size() + reply->bytesAvailable() <= cap) {
-            transfer->body += reply->readAll();
-        } else if (transfer->cutText.isEmpty()) {
-            transfer->cutText = QStringLiteral("The response is larger than %1 bytes.").arg(cap);
-        }
-        const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-        result.status = status.isValid() ? status.toInt() : 0;
-        if (!transfer->cutText.isEmpty()) {
-            result.errorText = transfer->cutText;
-        } else if (reply->error() != QNetworkReply::NoError && result.status == 0) {
-            result.errorText = reply->errorString();
-        } else {
-            // An HTTP error status is still a transfer: the caller judges the status.
-            result.transferred = true;
-            result.body = std::move(transfer->body);
-        }
-        if (receiver) {
-            done(result);
-        }
-    });
+    QObject::connect(reply, &QNetworkReply::finished, reply,
+                     [reply, transfer, receiver, done = std::move(done), cap, tooLarge] {
+                         reply->deleteLater();
+                         FetchResult result;
+                         if (transfer->cutText.isEmpty() && transfer->body.size() + reply->bytesAvailable() <= cap) {
+                             transfer->body += reply->readAll();
+                         } else if (transfer->cutText.isEmpty()) {
+                             transfer->cutText = tooLarge();
+                         }
+                         const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+                         result.status = status.isValid() ? status.toInt() : 0;
+                         if (!transfer->cutText.isEmpty()) {
+                             result.errorText = transfer->cutText;
+                         } else if (reply->error() != QNetworkReply::NoError && result.status == 0) {
+                             result.errorText = reply->errorString();
+                         } else {
+                             // An HTTP error status is still a transfer: the caller judges the status.
+                             result.transferred = true;
+                             result.body = std::move(transfer->body);
+                         }
+                         if (receiver) {
+                             done(result);
+                         }
+                     });
 }

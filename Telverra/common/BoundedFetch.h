@@ -30,6 +30,9 @@ struct FetchLimits
     qint64 maxBodyBytes = 1 << 20;
 };
 
+/// An absolute http or https address with a host: what the services may fetch.
+bool isFetchableUrl(const QUrl &url);
+
 /// Starts one GET. `done` is called exactly once on the main thread, unless `context` is gone by then.
 /// Redirects are followed only to addresses at least as safe; TLS errors are never ignored.
 void boundedGet(QNetworkAccessManager &network, const QUrl &url, QObject *context,

@@ -55,3 +55,12 @@ std::optional<QString> DeploymentSettings::value(const QString &key) const
     }
     return settings.value(key).toString();
 }
+
+QString DeploymentSettings::baseUrl(const QString &key, const QString &fallback) const
+{
+    QString base = value(key).value_or(fallback);
+    while (base.endsWith(u'/')) {
+        base.chop(1);
+    }
+    return base;
+}

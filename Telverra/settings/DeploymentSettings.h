@@ -22,6 +22,8 @@ public:
     const QString &file() const { return m_file; }
     /// The value under the key, or nothing when the file has none (an empty value counts as a value).
     std::optional<QString> value(const QString &key) const;
+    /// A service's base address under the key (the fallback when absent), without trailing slashes.
+    QString baseUrl(const QString &key, const QString &fallback = QString()) const;
 
 private:
     QString m_file;

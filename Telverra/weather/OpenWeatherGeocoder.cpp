@@ -17,12 +17,8 @@ OpenWeatherGeocoder::OpenWeatherGeocoder(QNetworkAccessManager &network, const D
 
 QString OpenWeatherGeocoder::baseUrl() const
 {
-    QString base = m_deployment.value(QStringLiteral("WEATHER_API_BASE_URL"))
-                       .value_or(QString::fromLatin1(WeatherInfoDataService::defaultBaseUrl));
-    while (base.endsWith(u'/')) {
-        base.chop(1);
-    }
-    return base;
+    return m_deployment.baseUrl(QStringLiteral("WEATHER_API_BASE_URL"),
+                                QString::fromLatin1(WeatherInfoDataService::defaultBaseUrl));
 }
 
 QString OpenWeatherGeocoder::key() const
@@ -73,7 +69,7 @@ void OpenWeatherGeocoder::reverseGeocode(const QGeoCoordinate &position, QObject
                        u"&lon=" + WeatherInfoDataService::coordinateText(position.longitude()) + u"&limit=1&appid=" +
                        QString::fromLatin1(QUrl::toPercentEncoding(key())),
                    QUrl::StrictMode);
-    if (!url.isValid() || url.host().isEmpty()) {
+    if (!isFetchableUrl(url)) {
         done(std::nullopt);
         return;
     }
@@ -104,7 +100,7 @@ void OpenWeatherGeocoder::geocodePlace(
     query.addQueryItem(QStringLiteral("limit"), QStringLiteral("1"));
     query.addQueryItem(QStringLiteral("appid"), QString::fromLatin1(QUrl::toPercentEncoding(key())));
     url.setQuery(query);
-    if (!url.isValid() || url.host().isEmpty()) {
+    if (!isFetchableUrl(url)) {
         done(std::nullopt, {});
         return;
     }

@@ -43,11 +43,7 @@ QString WeatherInfoDataService::coordinateText(double value)
 QString WeatherInfoDataService::requestText(const QString &base, const QString &path, double lat, double lon,
                                             const QString &key)
 {
-    QString root = base;
-    while (root.endsWith(u'/')) {
-        root.chop(1);
-    }
-    return root + path + u"?lat=" + coordinateText(lat) + u"&lon=" + coordinateText(lon) +
+    return base + path + u"?lat=" + coordinateText(lat) + u"&lon=" + coordinateText(lon) +
            u"&exclude=hourly,minutely&units=metric&lang=es_ES&appid=" + key;
 }
 
@@ -62,11 +58,11 @@ std::optional<QByteArray> WeatherInfoDataService::handleOutput(const FetchResult
 void WeatherInfoDataService::getWeatherInfo(double lat, double lon)
 {
     const QString text = requestText(
-        m_deployment.value(QStringLiteral("WEATHER_API_BASE_URL")).value_or(QString::fromLatin1(defaultBaseUrl)),
+        m_deployment.baseUrl(QStringLiteral("WEATHER_API_BASE_URL"), QString::fromLatin1(defaultBaseUrl)),
         m_deployment.value(QStringLiteral("WEATHER_ONECALL_PATH")).value_or(QString::fromLatin1(defaultOneCallPath)),
         lat, lon, m_weatherApiKey);
     const QUrl url(text, QUrl::StrictMode);
-    if (!url.isValid() || url.host().isEmpty() || (url.scheme() != u"https" && url.scheme() != u"http")) {
+    if (!isFetchableUrl(url)) {
         return;
     }
     ++m_cancelables;

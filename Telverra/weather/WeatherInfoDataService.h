@@ -35,7 +35,7 @@ public:
     /// Starts one request and returns at once; the document arrives later through weatherInfoChanged().
     void getWeatherInfo(double lat, double lon);
 
-    /// The request text for a position.
+    /// The request text for a position (`base` without a trailing slash).
     static QString requestText(const QString &base, const QString &path, double lat, double lon, const QString &key);
     /// A coordinate in the shortest form that reads back as the same double; integral values keep ".0".
     static QString coordinateText(double value);

@@ -12,7 +12,7 @@ RandomQuoteDataService::RandomQuoteDataService(QNetworkAccessManager &network, c
     , m_languageLocale(languageLocale)
     , m_network(network)
 {
-    fetch(deployment.value(QStringLiteral("QUOTE_SERVICE_BASE_URL")).value_or(QString()), {});
+    fetch(deployment.baseUrl(QStringLiteral("QUOTE_SERVICE_BASE_URL")), {});
 }
 
 QString RandomQuoteDataService::quotePath(const QString &languageLocale)
@@ -30,13 +30,8 @@ QString RandomQuoteDataService::quotePath(const QString &languageLocale)
 
 void RandomQuoteDataService::fetch(const QString &baseUrl, FetchLimits limits)
 {
-    QString base = baseUrl;
-    while (base.endsWith(u'/')) {
-        base.chop(1);
-    }
-    const QUrl url(base + quotePath(m_languageLocale), QUrl::StrictMode);
-    if (base.isEmpty() || !url.isValid() || url.host().isEmpty() ||
-        (url.scheme() != u"https" && url.scheme() != u"http")) {
+    const QUrl url(baseUrl + quotePath(m_languageLocale), QUrl::StrictMode);
+    if (baseUrl.isEmpty() || !isFetchableUrl(url)) {
         return;
     }
     m_randomQuoteSubscription = true;
