@@ -131,11 +131,13 @@ ApplicationWindow {
         modal: true
         title: "Error trying to launch call"
         standardButtons: Dialog.Ok
+        // A fixed width keeps the wrapped text from feeding back into the dialog's own size.
+        width: Math.min(460, window.width * 0.8)
         Label {
             objectName: "errorAlertText"
             text: window.viewModel.callManagerErrorMessage
             wrapMode: Text.Wrap
-            width: Math.min(420, window.width * 0.6)
+            width: errorAlert.availableWidth
         }
         Component.onCompleted: standardButton(Dialog.Ok).text = "Ok"
     }
