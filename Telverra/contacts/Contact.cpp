@@ -8,6 +8,10 @@ Contact::Contact(VCardContact contact)
     : m_contact(std::make_shared<const VCardContact>(std::move(contact)))
 {}
 
+Contact::Contact(SharedVCardContact contact)
+    : m_contact(contact ? std::move(contact) : std::make_shared<const VCardContact>())
+{}
+
 QString Contact::fullName(const VCardContact &contact)
 {
     QStringList parts;

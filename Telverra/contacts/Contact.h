@@ -33,6 +33,7 @@ struct Contact
 {
     Contact();
     explicit Contact(VCardContact contact);
+    explicit Contact(SharedVCardContact contact);
 
     /// The address book's record, as fetched.
     const VCardContact &contact() const { return *m_contact; }

@@ -35,7 +35,7 @@ public:
     };
     struct ContactsResult
     {
-        QList<VCardContact> contacts;
+        QList<SharedVCardContact> contacts;
         QString error;
     };
     struct ContactResult

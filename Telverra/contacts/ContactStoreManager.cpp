@@ -69,7 +69,7 @@ void ContactStoreManager::fetchAllContacts(const std::optional<QStringList> &key
         completion(ContactStoreManagerError::containerError(containers.error));
         containers.containers.clear();
     }
-    QList<VCardContact> results;
+    QList<SharedVCardContact> results;
     for (const ContactStore::Container &container : std::as_const(containers.containers)) {
         ContactStore::ContactsResult contacts = m_store.unifiedContacts(container.identifier);
         if (!contacts.error.isEmpty()) {

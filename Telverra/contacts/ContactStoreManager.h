@@ -16,7 +16,7 @@ class ContactStoreManager : public QObject
     Q_OBJECT
 public:
     using AccessResult = std::variant<bool, ContactStoreManagerError>;
-    using FetchResult = std::variant<QList<VCardContact>, ContactStoreManagerError>;
+    using FetchResult = std::variant<QList<SharedVCardContact>, ContactStoreManagerError>;
 
     explicit ContactStoreManager(ContactStore &store, QObject *parent = nullptr);
 

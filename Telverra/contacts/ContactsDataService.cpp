@@ -4,6 +4,8 @@
 #include "common/TextFolding.h"
 
 #include <QPointer>
+#include <QThread>
+#include <QtConcurrent>
 
 #include <algorithm>
 #include <numeric>
@@ -97,14 +99,14 @@ void ContactsDataService::handleFetch(const ContactStoreManager::FetchResult &re
             Qt::QueuedConnection);
         return;
     }
-    QList<VCardContact> contacts = std::get<QList<VCardContact>>(result);
     QMetaObject::invokeMethod(
         this,
-        [self, contacts = std::move(contacts)]() mutable {
+        [self, contacts = std::get<QList<SharedVCardContact>>(result)]() mutable {
             if (!self) {
                 return;
             }
-            // Wrapped straight into sorted order: one list fewer at the peak of a large address book.
+            // The records are shared, not copied, and by now this list is their only holder: each is moved into its
+            // wrapper without touching it.
             const std::vector<qsizetype> order = familyNameOrder(contacts);
             QList<Contact> wrapped;
             wrapped.reserve(contacts.size());
@@ -119,18 +121,39 @@ void ContactsDataService::handleFetch(const ContactStoreManager::FetchResult &re
         Qt::QueuedConnection);
 }
 
-std::vector<qsizetype> ContactsDataService::familyNameOrder(const QList<VCardContact> &contacts)
+std::vector<qsizetype> ContactsDataService::familyNameOrder(const QList<SharedVCardContact> &contacts)
 {
-    std::vector<QString> keys;
-    keys.reserve(static_cast<size_t>(contacts.size()));
-    for (const VCardContact &contact : std::as_const(contacts)) {
-        keys.push_back(foldDiacritics(contact.familyName));
+    // Each key beside its position, so that a comparison reads no more than the two keys.
+    struct Entry
+    {
+        QString key;
+        qsizetype index;
+    };
+    auto less = [](const Entry &a, const Entry &b) { return QStringView(a.key).compare(b.key) < 0; };
+    std::vector<Entry> entries(static_cast<size_t>(contacts.size()));
+    auto sortRange = [&](size_t begin, size_t end) {
+        for (size_t i = begin; i < end; ++i) {
+            entries[i] = {foldDiacritics(contacts.at(static_cast<qsizetype>(i))->familyName), qsizetype(i)};
+        }
+        std::stable_sort(entries.begin() + qsizetype(begin), entries.begin() + qsizetype(end), less);
+    };
+    // A large book is sorted in two halves at once, then merged; the merge keeps the first half's entries first
+    // among equals, so the order is as stable as one sort's.
+    const size_t size = entries.size();
+    if (size >= 4096 && QThread::idealThreadCount() > 1) {
+        const size_t middle = size / 2;
+        QFuture<void> second = QtConcurrent::run(sortRange, middle, size);
+        sortRange(0, middle);
+        second.waitForFinished();
+        std::inplace_merge(entries.begin(), entries.begin() + qsizetype(middle), entries.end(), less);
+    } else {
+        sortRange(0, size);
     }
-    std::vector<qsizetype> order(keys.size());
-    std::iota(order.begin(), order.end(), qsizetype{0});
-    std::stable_sort(order.begin(), order.end(), [&keys](qsizetype a, qsizetype b) {
-        return QStringView(keys[static_cast<size_t>(a)]).compare(keys[static_cast<size_t>(b)]) < 0;
-    });
+    std::vector<qsizetype> order;
+    order.reserve(size);
+    for (const Entry &entry : entries) {
+        order.push_back(entry.index);
+    }
     return order;
 }
 

@@ -39,14 +39,14 @@ public:
 
     /// The positions of the contacts sorted by family name with diacritics folded and case kept, comparing code
     /// points; stable.
-    static std::vector<qsizetype> familyNameOrder(const QList<VCardContact> &contacts);
+    static std::vector<qsizetype> familyNameOrder(const QList<SharedVCardContact> &contacts);
 
 Q_SIGNALS:
     void allContactsChanged();
     void permissionErrorChanged();
 
 private:
-    void handleFetch(const std::variant<QList<VCardContact>, ContactStoreManagerError> &result);
+    void handleFetch(const std::variant<QList<SharedVCardContact>, ContactStoreManagerError> &result);
 
     ContactStoreManager *m_manager;
     QList<Contact> m_allContacts;

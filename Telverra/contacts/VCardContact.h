@@ -5,6 +5,7 @@
 #include <QList>
 #include <QString>
 
+#include <memory>
 #include <optional>
 
 /// A value of a contact with its label, as the address book stores it: Apple-style label tokens such as
@@ -38,3 +39,7 @@ struct VCardContact
 
     bool imageDataAvailable() const { return !thumbnailImageData.isEmpty(); }
 };
+
+/// A contact as an address book hands it out: read once, then shared and never changed, so that lists of thousands
+/// of contacts are passed around, sorted and wrapped without copying a single one.
+using SharedVCardContact = std::shared_ptr<const VCardContact>;

@@ -7,6 +7,8 @@
 #include <QHash>
 #include <QTimer>
 
+#include <limits>
+
 /// The address book kept as vCard folders ("vdir"): each folder of .vcf files is one address book (a container).
 ///
 /// Roots, in order: the address books listed in khard's configuration (each a container), then
@@ -43,13 +45,15 @@ private:
     };
     void watch();
     void settle();
-    static QFileInfoList vcardFileInfos(const QString &folder);
-    static QStringList vcardFiles(const QString &folder);
+    /// The names of the vCard files of the folder open as `directory`, in byte order, at most `limit` of them.
+    static QList<QByteArray> vcardFileNames(int directory, qsizetype limit = std::numeric_limits<qsizetype>::max());
+    static QList<QByteArray> vcardFileNames(const QString &folder,
+                                            qsizetype limit = std::numeric_limits<qsizetype>::max());
 
     QList<Root> m_roots;
     QFileSystemWatcher m_watcher;
     QTimer m_debounce;
     // Contacts by identifier, from the last full read; dropped on every change.
-    QHash<QString, VCardContact> m_byIdentifier;
+    QHash<QString, SharedVCardContact> m_byIdentifier;
     bool m_indexValid = false;
 };

@@ -4,17 +4,37 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
+#include <QVarLengthArray>
+
+#include <cerrno>
+#include <cstring>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
-bool startsWithNoCase(QByteArrayView text, QByteArrayView prefix)
-{
-    return text.size() >= prefix.size() && qstrnicmp(text.data(), prefix.data(), prefix.size()) == 0;
-}
-
+// Property names, parameters and types are ASCII: compared in any case, in place.
 bool equalsNoCase(QByteArrayView a, QByteArrayView b)
 {
-    return a.size() == b.size() && qstrnicmp(a.data(), b.data(), a.size()) == 0;
+    if (a.size() != b.size()) {
+        return false;
+    }
+    for (qsizetype i = 0; i < a.size(); ++i) {
+        const auto x = static_cast<unsigned char>(a[i]);
+        const auto y = static_cast<unsigned char>(b[i]);
+        if (x != y && ((x | 0x20) != (y | 0x20) || (x | 0x20) < 'a' || (x | 0x20) > 'z')) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool startsWithNoCase(QByteArrayView text, QByteArrayView prefix)
+{
+    return text.size() >= prefix.size() && equalsNoCase(text.first(prefix.size()), prefix);
 }
 
 // Windows-1252's printable characters in 0x80-0x9F; the rest of the set is ISO-8859-1.
@@ -23,21 +43,118 @@ constexpr char16_t windows1252High[32] = {0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E
                                           0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
                                           0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
 
+// The vCard types that decide a value's label.
+enum TypeFlag : quint16
+{
+    cellType = 1 << 0,
+    mobileType = 1 << 1,
+    iphoneType = 1 << 2,
+    mainType = 1 << 3,
+    pagerType = 1 << 4,
+    homeType = 1 << 5,
+    workType = 1 << 6,
+    otherType = 1 << 7,
+    faxType = 1 << 8,
+};
+
+enum class Encoding
+{
+    none,
+    quotedPrintable,
+    base64
+};
+
+// One content line, as views into the line being read: nothing is copied until a value is kept.
 struct Property
 {
-    QByteArray group;
-    QByteArray name;         // upper case
-    QList<QByteArray> types; // upper case, from TYPE=… and bare 2.1 parameters
-    QByteArray encoding;     // upper case
-    QByteArray charset;
-    QByteArray valueKind; // VALUE=…, upper case
-    QString customLabel;  // Android's X-CUSTOM(…)
-    QByteArray rawValue;
+    QByteArrayView group;
+    QByteArrayView name;
+    quint16 types = 0;
+    Encoding encoding = Encoding::none;
+    QByteArray charset;  // rare: only 2.1 exports name one
+    QString customLabel; // Android's X-CUSTOM(…)
+    QByteArrayView rawValue;
 };
+
+// The properties that are read; the others are skipped.
+enum class Field
+{
+    other,
+    photo,
+    name,
+    organization,
+    address,
+    phone,
+    email,
+    socialProfile,
+    groupLabel,
+    identifier,
+    nickname,
+    title,
+    formattedName,
+    birthday
+};
+
+Field fieldNamed(QByteArrayView name)
+{
+    static constexpr std::pair<QByteArrayView, Field> fields[] = {
+        {"N", Field::name},
+        {"FN", Field::formattedName},
+        {"TEL", Field::phone},
+        {"ORG", Field::organization},
+        {"ADR", Field::address},
+        {"UID", Field::identifier},
+        {"BDAY", Field::birthday},
+        {"PHOTO", Field::photo},
+        {"EMAIL", Field::email},
+        {"TITLE", Field::title},
+        {"NICKNAME", Field::nickname},
+        {"X-ABLABEL", Field::groupLabel},
+        {"X-SOCIALPROFILE", Field::socialProfile},
+    };
+    for (const auto &[text, field] : fields) {
+        if (equalsNoCase(name, text)) {
+            return field;
+        }
+    }
+    return Field::other;
+}
+
+// Whether `word` (upper case) occurs in the text in any case.
+bool containsNoCase(QByteArrayView text, QByteArrayView word)
+{
+    for (qsizetype i = 0; i + word.size() <= text.size(); ++i) {
+        if ((text[i] & ~0x20) == word[0] && equalsNoCase(text.sliced(i, word.size()), word)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The position of `c` in text[from, to), or -1.
+qsizetype find(QByteArrayView text, char c, qsizetype from, qsizetype to)
+{
+    if (to - from < 64) { // most ranges are a name or a short value: a call to memchr would cost more
+        for (qsizetype i = from; i < to; ++i) {
+            if (text[i] == c) {
+                return i;
+            }
+        }
+        return -1;
+    }
+    const void *hit = std::memchr(text.data() + from, c, static_cast<size_t>(to - from));
+    return hit ? static_cast<const char *>(hit) - text.data() : -1;
+}
 
 // The position of the first separator outside double quotes and parentheses, from `from` on; -1 when there is none.
 qsizetype indexOutside(QByteArrayView text, char separator, qsizetype from = 0)
 {
+    // Quotes and parentheses are rare: when none comes before the first separator, that one is it.
+    const qsizetype first = find(text, separator, from, text.size());
+    const qsizetype end = first < 0 ? text.size() : first;
+    if (find(text, '"', from, end) < 0 && find(text, '(', from, end) < 0) {
+        return first;
+    }
     bool quoted = false;
     int depth = 0;
     for (qsizetype i = from; i < text.size(); ++i) {
@@ -95,15 +212,49 @@ QByteArray decodeParameterValue(QByteArrayView value)
     return out;
 }
 
+quint16 typeFlag(QByteArrayView type)
+{
+    static constexpr std::pair<const char *, TypeFlag> known[] = {
+        {"CELL", cellType}, {"MOBILE", mobileType}, {"IPHONE", iphoneType}, {"MAIN", mainType}, {"PAGER", pagerType},
+        {"HOME", homeType}, {"WORK", workType},     {"OTHER", otherType},   {"FAX", faxType},
+    };
+    for (const auto &[name, flag] : known) {
+        if (equalsNoCase(type, name)) {
+            return flag;
+        }
+    }
+    return 0;
+}
+
 // TYPE=a,b and TYPE="a,b": the quotes hold the whole list.
 void addTypes(Property &property, QByteArrayView list)
 {
-    const QByteArray unquoted = decodeParameterValue(list.trimmed()).toUpper();
-    for (const QByteArray &type : unquoted.split(',')) {
-        if (!type.trimmed().isEmpty()) {
-            property.types.append(type.trimmed());
-        }
+    list = list.trimmed();
+    QByteArray decoded;
+    if (find(list, '"', 0, list.size()) >= 0 || find(list, '^', 0, list.size()) >= 0) {
+        decoded = decodeParameterValue(list);
+        list = decoded;
     }
+    qsizetype start = 0;
+    while (start <= list.size()) {
+        qsizetype comma = find(list, ',', start, list.size());
+        if (comma < 0) {
+            comma = list.size();
+        }
+        property.types |= typeFlag(list.sliced(start, comma - start).trimmed());
+        start = comma + 1;
+    }
+}
+
+Encoding encodingNamed(QByteArrayView name)
+{
+    if (equalsNoCase(name, "QUOTED-PRINTABLE")) {
+        return Encoding::quotedPrintable;
+    }
+    if (equalsNoCase(name, "B") || equalsNoCase(name, "BASE64")) {
+        return Encoding::base64;
+    }
+    return Encoding::none;
 }
 
 // Android writes a custom label as X-CUSTOM(CHARSET=UTF-8,ENCODING=QUOTED-PRINTABLE,=4D=61=6D=C3=A1) or
@@ -131,6 +282,36 @@ QString androidCustomLabel(QByteArrayView parameter)
     return VCardReader::decodeCharset(label, charset).trimmed();
 }
 
+void addParameter(Property &property, QByteArrayView parameter)
+{
+    parameter = parameter.trimmed();
+    if (startsWithNoCase(parameter, "X-CUSTOM(")) {
+        property.customLabel = androidCustomLabel(parameter);
+        return;
+    }
+    const qsizetype equals = find(parameter, '=', 0, parameter.size());
+    if (equals < 0) {
+        // vCard 2.1 writes bare values: TEL;CELL;VOICE, PHOTO;BASE64.
+        if (equalsNoCase(parameter, "8BIT") || equalsNoCase(parameter, "7BIT")) {
+            property.encoding = Encoding::none;
+        } else if (const Encoding encoding = encodingNamed(parameter); encoding != Encoding::none) {
+            property.encoding = encoding;
+        } else {
+            addTypes(property, parameter);
+        }
+        return;
+    }
+    const QByteArrayView key = parameter.first(equals).trimmed();
+    const QByteArrayView value = parameter.sliced(equals + 1).trimmed();
+    if (equalsNoCase(key, "TYPE")) {
+        addTypes(property, value);
+    } else if (equalsNoCase(key, "ENCODING")) {
+        property.encoding = encodingNamed(decodeParameterValue(value));
+    } else if (equalsNoCase(key, "CHARSET")) {
+        property.charset = decodeParameterValue(value);
+    }
+}
+
 std::optional<Property> parseLine(QByteArrayView line)
 {
     // The value starts after the first colon outside quotes and parentheses.
@@ -139,47 +320,25 @@ std::optional<Property> parseLine(QByteArrayView line)
         return std::nullopt;
     }
     Property property;
-    property.rawValue = line.sliced(colon + 1).toByteArray();
-    const QList<QByteArrayView> head = splitOutside(line.first(colon), ';');
-    QByteArrayView name = head.first().trimmed();
-    if (const qsizetype dot = name.lastIndexOf('.'); dot >= 0) {
-        property.group = name.first(dot).toByteArray().toUpper();
-        name = name.sliced(dot + 1);
+    property.rawValue = line.sliced(colon + 1);
+    const QByteArrayView head = line.first(colon);
+    qsizetype separator = indexOutside(head, ';');
+    QByteArrayView name = head.first(separator < 0 ? head.size() : separator).trimmed();
+    for (qsizetype dot = name.size() - 1; dot >= 0; --dot) {
+        if (name[dot] == '.') {
+            property.group = name.first(dot);
+            name = name.sliced(dot + 1);
+            break;
+        }
     }
-    property.name = name.toByteArray().toUpper();
-    if (property.name.isEmpty()) {
+    if (name.isEmpty()) {
         return std::nullopt;
     }
-    for (qsizetype i = 1; i < head.size(); ++i) {
-        const QByteArrayView parameter = head[i].trimmed();
-        const qsizetype equals = parameter.indexOf('=');
-        if (startsWithNoCase(parameter, "X-CUSTOM(")) {
-            property.customLabel = androidCustomLabel(parameter);
-            continue;
-        }
-        if (equals < 0) {
-            // vCard 2.1 writes bare values: TEL;CELL;VOICE, PHOTO;BASE64.
-            const QByteArray bare = parameter.toByteArray().toUpper();
-            if (bare == "QUOTED-PRINTABLE" || bare == "BASE64" || bare == "B" || bare == "8BIT" || bare == "7BIT") {
-                property.encoding = bare;
-            } else {
-                addTypes(property, bare);
-            }
-            continue;
-        }
-        const QByteArray key = parameter.first(equals).trimmed().toByteArray().toUpper();
-        const QByteArrayView value = parameter.sliced(equals + 1).trimmed();
-        if (key == "TYPE") {
-            addTypes(property, value);
-        } else if (key == "ENCODING") {
-            property.encoding = decodeParameterValue(value).toUpper();
-        } else if (key == "CHARSET") {
-            property.charset = decodeParameterValue(value);
-        } else if (key == "VALUE") {
-            property.valueKind = decodeParameterValue(value).toUpper();
-        } else if (key == "PREF") {
-            property.types.append("PREF");
-        }
+    property.name = name;
+    while (separator >= 0) {
+        const qsizetype start = separator + 1;
+        separator = indexOutside(head, ';', start);
+        addParameter(property, head.sliced(start, (separator < 0 ? head.size() : separator) - start));
     }
     return property;
 }
@@ -207,58 +366,97 @@ QString unescapeText(QStringView text)
     return out;
 }
 
-// The first `count` components of a structured value, split at unescaped ";"; the rest is not looked at.
-QStringList components(QStringView text, int count)
+// A text value as it is kept: escapes resolved, NULs dropped, blanks at both ends trimmed.
+QString plainText(QString decoded)
 {
-    QStringList parts;
-    qsizetype start = 0;
-    for (qsizetype i = 0; i < text.size() && parts.size() < count - 1; ++i) {
+    if (decoded.contains(u'\\') || decoded.contains(QChar(0))) {
+        return unescapeText(decoded).trimmed();
+    }
+    return std::move(decoded).trimmed();
+}
+
+// The same from UTF-8 bytes, or from a part of a decoded value.
+QString plainText(QByteArrayView utf8)
+{
+    if (find(utf8, '\\', 0, utf8.size()) < 0 && find(utf8, '\0', 0, utf8.size()) < 0) {
+        return QString::fromUtf8(utf8).trimmed();
+    }
+    return plainText(QString::fromUtf8(utf8));
+}
+
+QString plainText(QStringView text)
+{
+    return plainText(text.toString());
+}
+
+// Where the first of a structured value's components ends: at the first unescaped ";" from `from` on.
+template<typename View>
+qsizetype componentEnd(View text, qsizetype from)
+{
+    for (qsizetype i = from; i < text.size(); ++i) {
         if (text[i] == u'\\') {
             ++i;
+        } else if (text[i] == u';') {
+            return i;
+        }
+    }
+    return text.size();
+}
+
+// The first `count` components of a structured value, split at unescaped ";", each at most maximumValueLength long
+// (longer ones are left empty); the rest is not looked at.
+template<typename View>
+QStringList components(View text, int count)
+{
+    QStringList parts;
+    parts.reserve(count);
+    qsizetype start = 0;
+    while (parts.size() < count) {
+        if (start > text.size()) {
+            parts.append(QString());
             continue;
         }
-        if (text[i] == u';') {
-            parts.append(unescapeText(text.sliced(start, i - start)).trimmed());
-            start = i + 1;
+        const qsizetype end = componentEnd(text, start);
+        QString part = plainText(text.sliced(start, end - start));
+        if (part.size() > VCardReader::maximumValueLength) {
+            part.clear();
         }
-    }
-    if (parts.size() < count) {
-        QStringView rest = text.sliced(std::min(start, text.size()));
-        qsizetype end = rest.size();
-        for (qsizetype i = 0; i < rest.size(); ++i) {
-            if (rest[i] == u'\\') {
-                ++i;
-            } else if (rest[i] == u';') {
-                end = i;
-                break;
-            }
-        }
-        parts.append(unescapeText(rest.first(end)).trimmed());
-    }
-    while (parts.size() < count) {
-        parts.append(QString());
+        parts.append(std::move(part));
+        start = end + 1;
     }
     return parts;
 }
 
-// The address book's label token for a set of vCard types; empty when the set names no label.
-QString labelForTypes(const QList<QByteArray> &types)
+// The address book's label token for a set of vCard types; empty when the set names no label. The tokens are static
+// strings: a label costs no memory of its own.
+QString labelForTypes(quint16 types)
 {
-    auto has = [&types](const char *type) { return types.contains(QByteArray(type)); };
-    if (has("FAX")) {
-        return has("HOME") ? QStringLiteral("_$!<HomeFAX>!$_")
-                           : (has("WORK") ? QStringLiteral("_$!<WorkFAX>!$_") : QStringLiteral("_$!<OtherFAX>!$_"));
+    if (types & faxType) {
+        return (types & homeType)   ? QStringLiteral("_$!<HomeFAX>!$_")
+               : (types & workType) ? QStringLiteral("_$!<WorkFAX>!$_")
+                                    : QStringLiteral("_$!<OtherFAX>!$_");
     }
     // In order of precedence when a value carries several types.
-    static constexpr std::pair<const char *, const char16_t *> labels[] = {
-        {"CELL", u"_$!<Mobile>!$_"}, {"MOBILE", u"_$!<Mobile>!$_"}, {"IPHONE", u"_$!<iPhone>!$_"},
-        {"MAIN", u"_$!<Main>!$_"},   {"PAGER", u"_$!<Pager>!$_"},   {"HOME", u"_$!<Home>!$_"},
-        {"WORK", u"_$!<Work>!$_"},   {"OTHER", u"_$!<Other>!$_"},
-    };
-    for (const auto &[type, label] : labels) {
-        if (has(type)) {
-            return QString::fromUtf16(label);
-        }
+    if (types & (cellType | mobileType)) {
+        return QStringLiteral("_$!<Mobile>!$_");
+    }
+    if (types & iphoneType) {
+        return QStringLiteral("_$!<iPhone>!$_");
+    }
+    if (types & mainType) {
+        return QStringLiteral("_$!<Main>!$_");
+    }
+    if (types & pagerType) {
+        return QStringLiteral("_$!<Pager>!$_");
+    }
+    if (types & homeType) {
+        return QStringLiteral("_$!<Home>!$_");
+    }
+    if (types & workType) {
+        return QStringLiteral("_$!<Work>!$_");
+    }
+    if (types & otherType) {
+        return QStringLiteral("_$!<Other>!$_");
     }
     return {};
 }
@@ -277,9 +475,9 @@ std::optional<QDate> parseBirthday(const QString &text)
 
 QByteArray decodePhoto(const Property &property)
 {
-    QByteArrayView value = QByteArrayView(property.rawValue).trimmed();
+    QByteArrayView value = property.rawValue.trimmed();
     QByteArray base64;
-    if (property.encoding == "B" || property.encoding == "BASE64") {
+    if (property.encoding == Encoding::base64) {
         base64 = value.toByteArray();
     } else if (startsWithNoCase(value, "data:")) {
         const qsizetype comma = value.indexOf(',');
@@ -298,131 +496,217 @@ QByteArray decodePhoto(const Property &property)
     return decoded.decoded;
 }
 
+bool isSingleByteCharset(const QByteArray &charset)
+{
+    const QByteArray name = charset.trimmed().toUpper();
+    return name == "ISO-8859-1" || name == "LATIN1" || name == "ISO8859-1" || name == "WINDOWS-1252" ||
+           name == "CP1252";
+}
+
 class CardBuilder
 {
 public:
     void add(const Property &property);
-    VCardContact finish(const QString &source, int index);
+    VCardContact finish(const std::function<QString()> &source, int index);
     bool isEmpty() const { return m_properties == 0; }
 
 private:
-    QString text(const Property &property) const;
+    // Most values are UTF-8 as written; those need no decoding step of their own.
+    static bool isPlainUtf8(const Property &property)
+    {
+        return property.encoding == Encoding::none &&
+               (property.charset.isEmpty() || !isSingleByteCharset(property.charset));
+    }
+    static QString decodedText(const Property &property);
+    static std::optional<QString> text(const Property &property);
+    static QStringList structured(const Property &property, int count);
+    void labelled(QList<LabeledValue> &list, const Property &property, QString content);
 
     VCardContact m_contact;
     QString m_formattedName;
     bool m_hasName = false;
     int m_properties = 0;
-    QHash<QByteArray, QString> m_groupLabels;
-    // For each labelled value: its list, its position there, its group (labels by group are applied at the end).
+    // Groups ("item1") are short: std::string keeps them without an allocation of their own.
+    QVarLengthArray<std::pair<std::string, QString>, 4> m_groupLabels;
+    // For each grouped value: its list, its position there, its group (labels by group are applied at the end).
     struct Pending
     {
         QList<LabeledValue> *list;
         qsizetype index;
-        QByteArray group;
+        std::string group;
     };
-    QList<Pending> m_pending;
+    QVarLengthArray<Pending, 4> m_pending;
 };
 
-QString CardBuilder::text(const Property &property) const
+std::string groupKey(QByteArrayView group)
 {
-    QByteArray bytes = property.rawValue;
-    if (property.encoding == "QUOTED-PRINTABLE") {
-        bytes = VCardReader::decodeQuotedPrintable(bytes);
-    } else if (property.encoding == "B" || property.encoding == "BASE64") {
-        bytes = QByteArray::fromBase64(bytes);
+    std::string key(group.data(), static_cast<size_t>(group.size()));
+    for (char &c : key) {
+        c = (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
     }
-    return VCardReader::decodeCharset(bytes, property.charset);
+    return key;
+}
+
+// The value in its character set, escapes still in.
+QString CardBuilder::decodedText(const Property &property)
+{
+    switch (property.encoding) {
+    case Encoding::quotedPrintable:
+        return VCardReader::decodeCharset(VCardReader::decodeQuotedPrintable(property.rawValue.toByteArray()),
+                                          property.charset);
+    case Encoding::base64:
+        return VCardReader::decodeCharset(QByteArray::fromBase64(property.rawValue.toByteArray()), property.charset);
+    case Encoding::none:
+        break;
+    }
+    return isPlainUtf8(property) ? QString::fromUtf8(property.rawValue)
+                                 : VCardReader::decodeCharset(property.rawValue.toByteArray(), property.charset);
+}
+
+// A single text value; none when it is longer than a value may be.
+std::optional<QString> CardBuilder::text(const Property &property)
+{
+    if (isPlainUtf8(property) && property.rawValue.size() <= VCardReader::maximumValueLength) {
+        return plainText(property.rawValue); // never longer in UTF-16 than in bytes
+    }
+    QString decoded = decodedText(property);
+    if (decoded.size() > VCardReader::maximumValueLength) {
+        return std::nullopt;
+    }
+    return plainText(std::move(decoded));
+}
+
+// A structured value (N, ADR, ORG): each component is capped on its own, so a long tail of separators costs nothing.
+QStringList CardBuilder::structured(const Property &property, int count)
+{
+    // ";" and "\" never occur inside a UTF-8 sequence, so plain values are split before they are decoded.
+    if (isPlainUtf8(property)) {
+        return components(property.rawValue, count);
+    }
+    return components(QStringView(decodedText(property)), count);
+}
+
+void CardBuilder::labelled(QList<LabeledValue> &list, const Property &property, QString content)
+{
+    if (content.isEmpty()) {
+        return;
+    }
+    QString label = !property.customLabel.isEmpty() ? property.customLabel : labelForTypes(property.types);
+    list.append({std::move(label), std::move(content)});
+    if (!property.group.isEmpty()) {
+        m_pending.append({&list, list.size() - 1, groupKey(property.group)});
+    }
 }
 
 void CardBuilder::add(const Property &property)
 {
     ++m_properties;
-    const QByteArray &name = property.name;
-    if (name == "PHOTO") {
+    switch (fieldNamed(property.name)) {
+    case Field::photo:
         if (m_contact.thumbnailImageData.isEmpty()) {
             m_contact.thumbnailImageData = decodePhoto(property);
         }
-        return;
-    }
-    // Structured values (N, ADR, ORG) are capped per component below; a long tail of separators costs nothing.
-    const bool structured = name == "N" || name == "ADR" || name == "ORG";
-    const QString value = text(property);
-    if (!structured && value.size() > VCardReader::maximumValueLength) {
-        return;
-    }
-    auto capped = [](QStringList parts) {
-        for (QString &part : parts) {
-            if (part.size() > VCardReader::maximumValueLength) {
-                part.clear();
-            }
-        }
-        return parts;
-    };
-    auto labelled = [&](QList<LabeledValue> &list, const QString &content) {
-        if (content.isEmpty()) {
-            return;
-        }
-        const QString label = !property.customLabel.isEmpty() ? property.customLabel : labelForTypes(property.types);
-        list.append({label, content});
-        if (!property.group.isEmpty()) {
-            m_pending.append({&list, list.size() - 1, property.group});
-        }
-    };
-    if (name == "UID") {
-        m_contact.identifier = unescapeText(value).trimmed();
-    } else if (name == "FN") {
-        m_formattedName = unescapeText(value).trimmed();
-    } else if (name == "N") {
-        const QStringList parts = capped(components(value, 5));
+        break;
+    case Field::name: {
+        const QStringList parts = structured(property, 5);
         m_contact.familyName = parts[0];
         m_contact.givenName = parts[1];
         m_contact.middleName = parts[2];
         m_contact.namePrefix = parts[3];
         m_contact.nameSuffix = parts[4];
         m_hasName = true;
-    } else if (name == "NICKNAME") {
-        m_contact.nickname = unescapeText(value).trimmed();
-    } else if (name == "ORG") {
-        m_contact.organizationName = capped(components(value, 1)).first();
-    } else if (name == "TITLE") {
-        m_contact.jobTitle = unescapeText(value).trimmed();
-    } else if (name == "BDAY") {
-        m_contact.birthday = parseBirthday(value.trimmed());
-    } else if (name == "TEL") {
-        QString number = unescapeText(value).trimmed();
-        if (number.startsWith(u"tel:", Qt::CaseInsensitive)) {
-            number = number.sliced(4);
-        }
-        labelled(m_contact.phoneNumbers, number);
-    } else if (name == "EMAIL") {
-        QString address = unescapeText(value).trimmed();
-        if (address.startsWith(u"mailto:", Qt::CaseInsensitive)) {
-            address = address.sliced(7);
-        }
-        labelled(m_contact.emailAddresses, address);
-    } else if (name == "ADR") {
-        const QStringList parts = capped(components(value, 7));
+        break;
+    }
+    case Field::organization:
+        m_contact.organizationName = structured(property, 1).constFirst();
+        break;
+    case Field::address: {
+        const QStringList parts = structured(property, 7);
         QStringList lines;
         for (int i = 2; i < 7; ++i) { // street, locality, region, postal code, country
             if (!parts[i].isEmpty()) {
                 lines.append(parts[i]);
             }
         }
-        labelled(m_contact.postalAddresses, lines.join(u", "));
-    } else if (name == "X-SOCIALPROFILE") {
-        labelled(m_contact.socialProfiles, unescapeText(value).trimmed());
-    } else if (name == "X-ABLABEL") {
-        if (!property.group.isEmpty()) {
-            m_groupLabels.insert(property.group, unescapeText(value).trimmed());
+        labelled(m_contact.postalAddresses, property, lines.join(u", "));
+        break;
+    }
+    case Field::phone:
+        if (std::optional<QString> number = text(property)) {
+            if (number->startsWith(u"tel:", Qt::CaseInsensitive)) {
+                number->remove(0, 4);
+            }
+            labelled(m_contact.phoneNumbers, property, std::move(*number));
         }
+        break;
+    case Field::email:
+        if (std::optional<QString> address = text(property)) {
+            if (address->startsWith(u"mailto:", Qt::CaseInsensitive)) {
+                address->remove(0, 7);
+            }
+            labelled(m_contact.emailAddresses, property, std::move(*address));
+        }
+        break;
+    case Field::socialProfile:
+        if (std::optional<QString> profile = text(property)) {
+            labelled(m_contact.socialProfiles, property, std::move(*profile));
+        }
+        break;
+    case Field::groupLabel:
+        if (!property.group.isEmpty()) {
+            if (std::optional<QString> label = text(property)) {
+                m_groupLabels.append({groupKey(property.group), std::move(*label)});
+            }
+        }
+        break;
+    case Field::identifier:
+    case Field::nickname:
+    case Field::title:
+    case Field::formattedName:
+        if (std::optional<QString> value = text(property)) {
+            const Field field = fieldNamed(property.name);
+            QString &target = field == Field::identifier ? m_contact.identifier
+                              : field == Field::nickname ? m_contact.nickname
+                              : field == Field::title    ? m_contact.jobTitle
+                                                         : m_formattedName;
+            target = std::move(*value);
+        }
+        break;
+    case Field::birthday: {
+        const QString value = decodedText(property);
+        if (value.size() <= VCardReader::maximumValueLength) {
+            m_contact.birthday = parseBirthday(value.trimmed());
+        }
+        break;
+    }
+    case Field::other:
+        break;
     }
 }
 
-VCardContact CardBuilder::finish(const QString &source, int index)
+VCardContact CardBuilder::finish(const std::function<QString()> &source, int index)
 {
+    // The last label given to a group counts. A few groups are looked up in place, many through a hash.
+    auto groupLabel = [this](const std::string &group) -> const QString * {
+        for (auto entry = m_groupLabels.crbegin(); entry != m_groupLabels.crend(); ++entry) {
+            if (entry->first == group) {
+                return &entry->second;
+            }
+        }
+        return nullptr;
+    };
+    QHash<QByteArrayView, const QString *> byGroup;
+    if (m_groupLabels.size() > 16 && m_pending.size() > 16) {
+        for (const auto &[group, label] : std::as_const(m_groupLabels)) {
+            byGroup.insert(QByteArrayView(group.data(), static_cast<qsizetype>(group.size())), &label);
+        }
+    }
     for (const Pending &pending : std::as_const(m_pending)) {
-        const auto label = m_groupLabels.constFind(pending.group);
-        if (label != m_groupLabels.cend() && !label->isEmpty()) {
+        const QString *label =
+            byGroup.isEmpty()
+                ? groupLabel(pending.group)
+                : byGroup.value(QByteArrayView(pending.group.data(), static_cast<qsizetype>(pending.group.size())));
+        if (label && !label->isEmpty()) {
             (*pending.list)[pending.index].label = *label;
         }
     }
@@ -436,7 +720,7 @@ VCardContact CardBuilder::finish(const QString &source, int index)
         m_contact.givenName = space < 0 ? QString() : m_formattedName.first(space).trimmed();
     }
     if (m_contact.identifier.isEmpty()) {
-        const QByteArray hash = QCryptographicHash::hash(source.toUtf8(), QCryptographicHash::Sha1).toHex().left(16);
+        const QByteArray hash = QCryptographicHash::hash(source().toUtf8(), QCryptographicHash::Sha1).toHex().left(16);
         m_contact.identifier = u"vcf-" + QString::fromLatin1(hash) + u'-' + QString::number(index);
     }
     return std::move(m_contact);
@@ -503,13 +787,21 @@ QString VCardReader::decodeCharset(const QByteArray &bytes, const QByteArray &ch
     return QString::fromUtf8(bytes); // invalid sequences become U+FFFD
 }
 
-QList<VCardContact> VCardReader::read(const QByteArray &data, const QString &source)
+QList<VCardContact> VCardReader::read(QByteArrayView data, const QString &source)
+{
+    return read(data, [&source] { return source; });
+}
+
+QList<VCardContact> VCardReader::read(QByteArrayView data, const std::function<QString()> &source)
 {
     QList<VCardContact> cards;
     std::optional<CardBuilder> card;
     int index = 0;
 
-    QByteArray line; // the logical line being assembled
+    // The logical line being assembled: a view into the data while it is one physical line, else `joined`.
+    QByteArrayView line;
+    QByteArray joined;
+    bool isJoined = false;
     bool haveLine = false;
     bool quotedPrintable = false;
     bool oversized = false;
@@ -517,7 +809,7 @@ QList<VCardContact> VCardReader::read(const QByteArray &data, const QString &sou
 
     auto flush = [&] {
         if (haveLine && !oversized) {
-            const QByteArrayView text = QByteArrayView(line).trimmed();
+            const QByteArrayView text = line.trimmed();
             if (equalsNoCase(text, "BEGIN:VCARD")) {
                 if (!card) { // a card inside a card is not read as a card
                     card.emplace();
@@ -533,55 +825,69 @@ QList<VCardContact> VCardReader::read(const QByteArray &data, const QString &sou
                 }
             }
         }
-        line.clear();
+        line = {};
+        isJoined = false;
         haveLine = false;
         oversized = false;
     };
 
+    const char *const bytes = data.data();
     const qsizetype size = data.size();
     qsizetype position = 0;
     while (position < size) {
         // One physical line, ended by CRLF, LF or CR.
-        qsizetype end = position;
-        while (end < size && data[end] != '\n' && data[end] != '\r') {
-            ++end;
+        qsizetype end = find(data, '\n', position, size);
+        end = end < 0 ? size : end;
+        if (const qsizetype cr = find(data, '\r', position, end); cr >= 0) {
+            end = cr;
         }
-        const QByteArrayView physical(data.constData() + position, end - position);
-        position = end + ((end + 1 < size && data[end] == '\r' && data[end + 1] == '\n') ? 2 : 1);
+        const QByteArrayView physical(bytes + position, end - position);
+        position = end + ((end + 1 < size && bytes[end] == '\r' && bytes[end + 1] == '\n') ? 2 : 1);
 
         const bool continuation = !physical.isEmpty() && (physical[0] == ' ' || physical[0] == '\t');
         const bool softBreak = haveLine && !oversized && quotedPrintable && line.endsWith('=');
-        QByteArrayView piece = physical;
         if (haveLine && (continuation || softBreak)) {
             if (oversized) {
                 continue; // the rest of a dropped line
             }
+            if (!isJoined) {
+                joined.resize(0); // keeps its storage from one joined line to the next
+                joined.append(line);
+                isJoined = true;
+            }
+            QByteArrayView piece = physical;
             if (softBreak) {
-                line.chop(1); // quoted-printable soft break: the next line goes on without a separator
+                joined.chop(1); // quoted-printable soft break: the next line goes on without a separator
             } else {
                 piece = physical.sliced(1); // folding: one blank is dropped
             }
-        } else {
-            flush();
-            haveLine = true;
-            // The head tells how the value is written; it is short, unlike the value.
-            const qsizetype colon = physical.indexOf(':');
-            const QByteArrayView head = physical.first(colon < 0 ? std::min<qsizetype>(physical.size(), 4096) : colon);
-            quotedPrintable = head.contains("QUOTED-PRINTABLE") || head.contains("quoted-printable");
-            const qsizetype semicolon = head.indexOf(';');
-            const QByteArrayView name = head.first(semicolon < 0 ? head.size() : semicolon);
-            auto endsWithNoCase = [&name](QByteArrayView suffix) {
-                return name.size() >= suffix.size() && equalsNoCase(name.last(suffix.size()), suffix);
-            };
-            isPhoto = endsWithNoCase("PHOTO") || endsWithNoCase("LOGO");
-        }
-        const qsizetype limit = isPhoto ? maximumFileSize : maximumLineLength;
-        if (line.size() + piece.size() > limit) {
-            oversized = true; // dropped, with its continuation lines
-            line.clear();
+            if (joined.size() + piece.size() > (isPhoto ? maximumFileSize : maximumLineLength)) {
+                oversized = true; // dropped, with its continuation lines
+                joined.resize(0);
+                line = {};
+                continue;
+            }
+            joined.append(piece);
+            line = joined;
             continue;
         }
-        line.append(piece);
+        flush();
+        haveLine = true;
+        // The head tells how the value is written; it is short, unlike the value.
+        const qsizetype colon = find(physical, ':', 0, physical.size());
+        const QByteArrayView head = physical.first(colon < 0 ? std::min<qsizetype>(physical.size(), 4096) : colon);
+        quotedPrintable = containsNoCase(head, "QUOTED-PRINTABLE");
+        const qsizetype semicolon = find(head, ';', 0, head.size());
+        const QByteArrayView name = head.first(semicolon < 0 ? head.size() : semicolon);
+        auto endsWithNoCase = [&name](QByteArrayView suffix) {
+            return name.size() >= suffix.size() && equalsNoCase(name.last(suffix.size()), suffix);
+        };
+        isPhoto = endsWithNoCase("PHOTO") || endsWithNoCase("LOGO");
+        if (physical.size() > (isPhoto ? maximumFileSize : maximumLineLength)) {
+            oversized = true;
+            continue;
+        }
+        line = physical;
     }
     flush();
     if (card && !card->isEmpty()) { // no END:VCARD before the end of the file
@@ -590,24 +896,49 @@ QList<VCardContact> VCardReader::read(const QByteArray &data, const QString &sou
     return cards;
 }
 
-QList<VCardContact> VCardReader::readFile(const QString &path)
+bool VCardReader::readRegularFile(int directory, const char *name, QByteArray &buffer)
 {
-    return readFile(QFileInfo(path));
+    // Non-blocking, so that a FIFO put in the file's place is not waited on; it is then refused as not regular.
+    const int fd = ::openat(directory, name, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    if (fd < 0) {
+        return false;
+    }
+    struct stat status = {};
+    bool ok = ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode) && status.st_size <= maximumFileSize;
+    if (ok) {
+        // What the size says, plus one byte to notice a file that grew past the limit meanwhile. A regular file reads
+        // short only at its end, so a file that did not grow takes a single read.
+        const qsizetype expected = static_cast<qsizetype>(status.st_size);
+        buffer.resize(expected + 1);
+        qsizetype filled = 0;
+        while (filled < buffer.size()) {
+            const ssize_t got = ::read(fd, buffer.data() + filled, static_cast<size_t>(buffer.size() - filled));
+            if (got < 0 && errno == EINTR) {
+                continue;
+            }
+            if (got <= 0) {
+                ok = got == 0;
+                break;
+            }
+            filled += got;
+            if (filled == buffer.size() && filled <= maximumFileSize) {
+                buffer.resize(std::min(buffer.size() * 2, maximumFileSize + 1)); // it grew: read on to the limit
+            } else if (filled >= expected && filled < buffer.size()) {
+                break; // the end
+            }
+        }
+        ok = ok && filled <= maximumFileSize;
+        buffer.resize(ok ? filled : 0);
+    }
+    ::close(fd);
+    return ok;
 }
 
-QList<VCardContact> VCardReader::readFile(const QFileInfo &info)
+QList<VCardContact> VCardReader::readFile(const QString &path)
 {
-    if (!info.isFile() || info.size() > maximumFileSize) {
+    QByteArray buffer;
+    if (!readRegularFile(AT_FDCWD, QFile::encodeName(path).constData(), buffer)) {
         return {};
     }
-    QFile file(info.absoluteFilePath());
-    if (!file.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    // Read what the size says (plus one byte to notice growth), not a buffer of the largest size allowed.
-    const QByteArray data = file.read(std::min<qint64>(info.size(), maximumFileSize) + 1);
-    if (data.size() > maximumFileSize) {
-        return {};
-    }
-    return read(data, info.absoluteFilePath());
+    return read(buffer, QFileInfo(path).absoluteFilePath());
 }

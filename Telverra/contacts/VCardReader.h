@@ -3,9 +3,10 @@
 #include "VCardContact.h"
 
 #include <QByteArray>
-#include <QFileInfo>
 #include <QList>
 #include <QString>
+
+#include <functional>
 
 /// A tolerant reader of vCard 2.1, 3.0 and 4.0 as phones, mail programs and address books export them.
 ///
@@ -24,13 +25,17 @@ public:
 
     /// The cards in the data. A card without a UID is given an identifier made from `source` and its position, so it
     /// stays the same as long as the file does.
-    static QList<VCardContact> read(const QByteArray &data, const QString &source);
+    static QList<VCardContact> read(QByteArrayView data, const QString &source);
+    /// The same, with the source's name made only when a card needs it.
+    static QList<VCardContact> read(QByteArrayView data, const std::function<QString()> &source);
 
     /// Reads a regular file of at most maximumFileSize bytes; anything else (a FIFO, a device, a larger file) yields
     /// no cards.
     static QList<VCardContact> readFile(const QString &path);
-    /// The same, with what a folder listing already knows about the file.
-    static QList<VCardContact> readFile(const QFileInfo &file);
+    /// Reads the file `name` of the folder open as `directory` (or AT_FDCWD) into `buffer`, whose storage is reused
+    /// from call to call. Only a regular file of at most maximumFileSize bytes is read; a FIFO or a device is never
+    /// waited on or read from.
+    static bool readRegularFile(int directory, const char *name, QByteArray &buffer);
 
     /// Decodes quoted-printable text; a broken escape is kept as written and a final "=" is dropped.
     static QByteArray decodeQuotedPrintable(const QByteArray &encoded);

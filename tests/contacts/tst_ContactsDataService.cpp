@@ -1,3 +1,4 @@
+#include "common/TextFolding.h"
 #include "common/Trace.h"
 #include "contacts/ContactStoreManager.h"
 #include "contacts/ContactsDataService.h"
@@ -8,6 +9,10 @@
 #include <QFile>
 #include <QSignalSpy>
 #include <QTest>
+
+#include <numeric>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -57,10 +62,15 @@ private Q_SLOTS:
     void cleanup();
 
     void rootsAndContainers();
+    void whichFilesOfABookAreRead();
+    void aLargeBookKeepsNameOrder();
     void authorization();
     void requestAccessMakesTheAddressBook();
     void requestAccessErrorIsDeliveredTwice();
     void sortedByFoldedFamilyName();
+    void largeListsSortAsStably();
+    void foldedNames_data();
+    void foldedNames();
     void refetchOnChange();
     void noContainersMeansEmptyAndNoError();
     void containerListingFails();
@@ -110,7 +120,49 @@ void tst_ContactsDataService::rootsAndContainers()
     QCOMPARE(names, (QStringList{u"family"_qs, u"contacts"_qs, u"kdeconnect-phone"_qs}));
     const auto phone = store.unifiedContacts(containers.containers.at(2).identifier);
     QCOMPARE(phone.contacts.size(), 1); // the .tmp file is not read
-    QCOMPARE(phone.contacts.at(0).familyName, u"Phone"_qs);
+    QCOMPARE(phone.contacts.at(0)->familyName, u"Phone"_qs);
+}
+
+void tst_ContactsDataService::whichFilesOfABookAreRead()
+{
+    const QString book = m_root + u"/book";
+    m_home->writeFile(u".local/share/contacts/book/a.vcf"_qs, card(u"Plain"_qs, u"A"_qs, {}));
+    m_home->writeFile(u".local/share/contacts/book/UPPER.VCF"_qs, card(u"Upper"_qs, u"B"_qs, {}));
+    m_home->writeFile(u".local/share/contacts/book/c.vcard"_qs, card(u"Vcard"_qs, u"C"_qs, {}));
+    m_home->writeFile(u".local/share/contacts/book/.hidden.vcf"_qs, card(u"Hidden"_qs, u"D"_qs, {}));
+    m_home->writeFile(u".local/share/contacts/book/notes.txt"_qs, card(u"Text"_qs, u"E"_qs, {}));
+    m_home->writeFile(u".local/share/contacts/book/d.vcf.tmp"_qs, card(u"Temporary"_qs, u"F"_qs, {}));
+    m_home->writeFile(u"elsewhere/linked.vcf"_qs, card(u"Linked"_qs, u"G"_qs, {}));
+    QVERIFY(QFile::link(m_home->path() + u"/elsewhere/linked.vcf", book + u"/b-link.vcf"));
+    QVERIFY(QFile::link(u"/dev/zero"_qs, book + u"/zero.vcf"));                    // never read: it would not end
+    QVERIFY(QFile::link(m_home->path() + u"/missing.vcf", book + u"/gone.vcf"));   // dangling
+    QCOMPARE(mkfifo(QFile::encodeName(book + u"/pipe.vcf").constData(), 0600), 0); // never opened: it would block
+    QVERIFY(QDir().mkpath(book + u"/folder.vcf"));
+
+    VCardDirectoryStore store(QStringList{m_root});
+    const ContactStore::ContactsResult result = store.unifiedContacts(book);
+    QVERIFY(result.error.isEmpty());
+    QStringList read;
+    for (const SharedVCardContact &contact : result.contacts) {
+        read.append(contact->familyName);
+    }
+    QCOMPARE(read, (QStringList{u"Upper"_qs, u"Plain"_qs, u"Linked"_qs, u"Vcard"_qs}));
+}
+
+void tst_ContactsDataService::aLargeBookKeepsNameOrder()
+{
+    // Large books are read in several ranges at once; the result must not show it.
+    const int count = 1500;
+    for (int i = 0; i < count; ++i) {
+        const QString name = QString::number(i).rightJustified(5, u'0');
+        m_home->writeFile(u".local/share/contacts/big/"_qs + name + u".vcf", card(u"F"_qs + name, {}, {}));
+    }
+    VCardDirectoryStore store(QStringList{m_root});
+    const ContactStore::ContactsResult result = store.unifiedContacts(m_root + u"/big");
+    QCOMPARE(result.contacts.size(), count);
+    for (int i = 0; i < count; ++i) {
+        QCOMPARE(result.contacts.at(i)->familyName, u"F"_qs + QString::number(i).rightJustified(5, u'0'));
+    }
 }
 
 void tst_ContactsDataService::authorization()
@@ -172,6 +224,46 @@ void tst_ContactsDataService::sortedByFoldedFamilyName()
              (QStringList{QString(), u"Alvarez"_qs, u"Álvarez"_qs, u"Zapata"_qs, u"alvarez"_qs, u"álvarez"_qs}));
 }
 
+void tst_ContactsDataService::largeListsSortAsStably()
+{
+    // Large lists are sorted in two halves and merged: equal names must still keep their order across the halves.
+    const QStringList names = {u"Zapata"_qs, u"álvarez"_qs, u"Alvarez"_qs, u"Álvarez"_qs, QString(), u"Núñez"_qs};
+    QList<SharedVCardContact> contacts;
+    for (int i = 0; i < 9000; ++i) {
+        VCardContact contact;
+        contact.familyName = names.at((i * 7 + i / 13) % names.size());
+        contacts.append(std::make_shared<const VCardContact>(std::move(contact)));
+    }
+    std::vector<qsizetype> expected(static_cast<size_t>(contacts.size()));
+    std::iota(expected.begin(), expected.end(), qsizetype{0});
+    std::stable_sort(expected.begin(), expected.end(), [&contacts](qsizetype a, qsizetype b) {
+        return foldDiacritics(contacts.at(a)->familyName) < foldDiacritics(contacts.at(b)->familyName);
+    });
+    QVERIFY(ContactsDataService::familyNameOrder(contacts) == expected);
+}
+
+void tst_ContactsDataService::foldedNames_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("folded");
+    QTest::newRow("ASCII") << u"Zapata"_qs << u"Zapata"_qs;
+    QTest::newRow("Spanish") << u"Ñúñez Álvarez"_qs << u"Nunez Alvarez"_qs;
+    QTest::newRow("case kept") << u"ÉLODIE élodie"_qs << u"ELODIE elodie"_qs;
+    QTest::newRow("letters without a decomposition stay") << u"Łódź Øre Æsir ß"_qs << u"Łodz Øre Æsir ß"_qs;
+    QTest::newRow("Latin Extended-B") << u"ǺǍ"_qs << u"AA"_qs;      // Ǻ Ǎ
+    QTest::newRow("a letter with two marks") << u"ệ"_qs << u"e"_qs; // ệ
+    QTest::newRow("combining marks") << u"José Muñoz"_qs << u"Jose Munoz"_qs;
+    QTest::newRow("Greek") << u"Άλφα Ωμέγα"_qs << u"Αλφα Ωμεγα"_qs;
+    QTest::newRow("beyond the BMP") << u"𝐀é"_qs << u"𝐀e"_qs;
+}
+
+void tst_ContactsDataService::foldedNames()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, folded);
+    QCOMPARE(foldDiacritics(name), folded);
+}
+
 void tst_ContactsDataService::refetchOnChange()
 {
     m_home->writeFile(u".local/share/contacts/b/1.vcf"_qs, card(u"First"_qs, u"A"_qs, u"1"_qs));
@@ -219,7 +311,7 @@ void tst_ContactsDataService::containerListingFails()
     QCOMPARE(results.size(), 2);
     QCOMPARE(std::get<ContactStoreManagerError>(results.at(0)).errorCase(),
              ContactStoreManagerError::Case::containerError);
-    QVERIFY(std::get<QList<VCardContact>>(results.at(1)).isEmpty());
+    QVERIFY(std::get<QList<SharedVCardContact>>(results.at(1)).isEmpty());
 }
 
 void tst_ContactsDataService::oneContainerFails()
