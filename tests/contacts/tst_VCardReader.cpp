@@ -202,6 +202,9 @@ void tst_VCardReader::malformed_data()
         << QByteArray("BEGIN:VCARD\nTEL;TYPE=\"cell:600\nN:Quote;Open\nEND:VCARD\n") << 1 << u"Quote"_qs;
     QTest::newRow("empty") << QByteArray() << 0 << QString();
     QTest::newRow("binary noise") << QByteArray(100'000, '\xFF') << 0 << QString();
+    QTest::newRow("soft breaks of a mixed-case Quoted-Printable are joined")
+        << QByteArray("BEGIN:VCARD\nN;ENCODING=Quoted-Printable:M=C3=BA=\n=C3=B1oz;Jos=C3=A9\nEND:VCARD\n") << 1
+        << u"Múñoz"_qs;
     QTest::newRow("bare CR line ends") << QByteArray("BEGIN:VCARD\rN:Mac;Classic\rEND:VCARD\r") << 1 << u"Mac"_qs;
 }
 
