@@ -9,6 +9,8 @@
 #include "support/RecordingWorkspace.h"
 #include "support/TestHome.h"
 
+#include <QDeadlineTimer>
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -73,18 +75,35 @@ void tst_DevToolsTabSource::tabsGroupedByWindow()
          u"--user-data-dir="_qs + m_profile.path(), u"--remote-debugging-port=0"_qs, m_server.baseUrl() + u"/meeting"});
     m_chromium.start();
     QVERIFY(m_chromium.waitForStarted());
-    QTRY_VERIFY2_WITH_TIMEOUT(QFile::exists(m_profile.path() + u"/DevToolsActivePort"),
-                              m_chromium.readAllStandardError().right(2000).constData(), 30000);
+    // Chromium writes the port file while it starts: only a whole first line holds the port.
+    auto activePort = [this]() -> QByteArray {
+        QFile portFile(m_profile.path() + u"/DevToolsActivePort");
+        if (!portFile.open(QIODevice::ReadOnly)) {
+            return {};
+        }
+        const QByteArray line = portFile.readLine();
+        bool number = false;
+        return line.endsWith('\n') && line.trimmed().toInt(&number) > 0 && number ? line.trimmed() : QByteArray();
+    };
+    QTRY_VERIFY2_WITH_TIMEOUT(!activePort().isEmpty(), m_chromium.readAllStandardError().right(2000).constData(),
+                              30000);
 
-    // Headless Chromium takes one address at start; a second tab is opened through DevTools.
-    QFile portFile(m_profile.path() + u"/DevToolsActivePort");
-    QVERIFY(portFile.open(QIODevice::ReadOnly));
-    const QByteArray port = portFile.readLine().trimmed();
+    // Headless Chromium takes one address at start; a second tab is opened through DevTools, asked again while a
+    // busy machine has it not yet listening.
+    const QByteArray port = activePort();
     QNetworkAccessManager network;
-    QNetworkReply *opened = network.put(QNetworkRequest(QUrl(u"http://127.0.0.1:"_qs + QString::fromLatin1(port) +
-                                                             u"/json/new?" + m_server.baseUrl() + u"/other")),
-                                        QByteArray());
-    QTRY_VERIFY_WITH_TIMEOUT(opened->isFinished(), 10000);
+    const QUrl newTab(u"http://127.0.0.1:"_qs + QString::fromLatin1(port) + u"/json/new?" + m_server.baseUrl() +
+                      u"/other");
+    QNetworkReply *opened = nullptr;
+    QDeadlineTimer deadline(20000);
+    do {
+        delete opened;
+        opened = network.put(QNetworkRequest(newTab), QByteArray());
+        QTRY_VERIFY_WITH_TIMEOUT(opened->isFinished(), 10000);
+        if (opened->error() == QNetworkReply::ConnectionRefusedError) {
+            QTest::qWait(200);
+        }
+    } while (opened->error() == QNetworkReply::ConnectionRefusedError && !deadline.hasExpired());
     QCOMPARE(opened->error(), QNetworkReply::NoError);
     delete opened;
 
