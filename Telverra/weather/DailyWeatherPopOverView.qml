@@ -73,8 +73,11 @@ Popup {
             objectName: "attribution"
             Layout.fillWidth: true
             Layout.topMargin: 4
-            text: popover.vm ? popover.vm.attribution : ""
-            textFormat: Text.MarkdownText
+            // The attribution's Markdown link, drawn as a styled link so that it takes the palette's link colour
+            // (a Markdown document keeps a fixed dark blue, unreadable on a dark popover).
+            text: popover.vm ? popover.vm.attribution.replace(/\[([^\]]*)\]\(([^)]*)\)/g, '<a href="$2">$1</a>') : ""
+            textFormat: Text.StyledText
+            linkColor: popover.palette.link
             wrapMode: Text.Wrap
             font.pixelSize: 11
             color: popover.palette.placeholderText

@@ -66,6 +66,10 @@ TestCase {
         compare(popover.vm.rows[1].min, "15.8")
         verify(popover.vm.attribution.startsWith(
             "free weather data provided by [Open Weather Map](https://openweathermap.org). Last updated on "))
+        const attribution = findChild(popover, "attribution")
+        verify(attribution.text.startsWith(
+            'free weather data provided by <a href="https://openweathermap.org">Open Weather Map</a>. Last updated on '))
+        compare(attribution.linkColor, popover.palette.link)
         // The fixture's days are in 2025: none of them is today.
         verify(!popover.vm.rows.some(row => row.dayLabel === "Today"))
     }
