@@ -10,7 +10,6 @@
 #include "support/TestHome.h"
 
 #include <QDeadlineTimer>
-#include <QDeadlineTimer>
 #include <QFile>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
