@@ -496,11 +496,24 @@ QByteArray decodePhoto(const Property &property)
     return decoded.decoded;
 }
 
-bool isSingleByteCharset(const QByteArray &charset)
+enum class Charset
+{
+    utf8,
+    latin1,
+    windows1252
+};
+
+// The character sets exports use; anything else is read as UTF-8.
+Charset charsetNamed(const QByteArray &charset)
 {
     const QByteArray name = charset.trimmed().toUpper();
-    return name == "ISO-8859-1" || name == "LATIN1" || name == "ISO8859-1" || name == "WINDOWS-1252" ||
-           name == "CP1252";
+    if (name == "ISO-8859-1" || name == "LATIN1" || name == "ISO8859-1") {
+        return Charset::latin1;
+    }
+    if (name == "WINDOWS-1252" || name == "CP1252") {
+        return Charset::windows1252;
+    }
+    return Charset::utf8;
 }
 
 class CardBuilder
@@ -515,7 +528,7 @@ private:
     static bool isPlainUtf8(const Property &property)
     {
         return property.encoding == Encoding::none &&
-               (property.charset.isEmpty() || !isSingleByteCharset(property.charset));
+               (property.charset.isEmpty() || charsetNamed(property.charset) == Charset::utf8);
     }
     static QString decodedText(const Property &property);
     static std::optional<QString> text(const Property &property);
@@ -601,7 +614,8 @@ void CardBuilder::labelled(QList<LabeledValue> &list, const Property &property, 
 void CardBuilder::add(const Property &property)
 {
     ++m_properties;
-    switch (fieldNamed(property.name)) {
+    const Field field = fieldNamed(property.name);
+    switch (field) {
     case Field::photo:
         if (m_contact.thumbnailImageData.isEmpty()) {
             m_contact.thumbnailImageData = decodePhoto(property);
@@ -664,7 +678,6 @@ void CardBuilder::add(const Property &property)
     case Field::title:
     case Field::formattedName:
         if (std::optional<QString> value = text(property)) {
-            const Field field = fieldNamed(property.name);
             QString &target = field == Field::identifier ? m_contact.identifier
                               : field == Field::nickname ? m_contact.nickname
                               : field == Field::title    ? m_contact.jobTitle
@@ -771,11 +784,11 @@ QByteArray VCardReader::decodeQuotedPrintable(const QByteArray &encoded)
 
 QString VCardReader::decodeCharset(const QByteArray &bytes, const QByteArray &charset)
 {
-    const QByteArray name = charset.trimmed().toUpper();
-    if (name == "ISO-8859-1" || name == "LATIN1" || name == "ISO8859-1") {
+    const Charset set = charsetNamed(charset);
+    if (set == Charset::latin1) {
         return QString::fromLatin1(bytes);
     }
-    if (name == "WINDOWS-1252" || name == "CP1252") {
+    if (set == Charset::windows1252) {
         QString out;
         out.reserve(bytes.size());
         for (char byte : bytes) {
