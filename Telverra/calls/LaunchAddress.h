@@ -6,7 +6,8 @@
 #include <optional>
 
 /// An address that is safe to hand to the system opener: an absolute URI checked strictly (RFC 3986, ASCII only, no
-/// control characters), kept exactly as written.
+/// control characters, and none percent-encoded either: no encoded control, bidi or zero-width character anywhere but
+/// in a mail body), kept exactly as written.
 ///
 /// QUrl is not used for the check because it rewrites what a phone number needs kept: it refuses a "+" in an
 /// authority ("tel://+34600123456") and reads a numeric one as an IPv4 address ("tel://12" becomes

@@ -43,6 +43,23 @@ void tst_LaunchAddress::parse_data()
     QTest::newRow("scheme starting with a digit") << u"1tel:600"_qs << false;
     QTest::newRow("two fragments") << u"https://a.example/#x#y"_qs << false;
     QTest::newRow("letters in port") << u"https://a.example:80x/"_qs << false;
+    QTest::newRow("mail body with encoded line breaks and a tab")
+        << u"mailto:a@b.c?subject=Notes&body=one%0D%0Atwo%09three"_qs << true;
+    QTest::newRow("encoded Latin-1 letter") << u"mailto:a@b.c?subject=caf%E9"_qs << true;
+    QTest::newRow("encoded UTF-8 letter") << u"sms:600?body=caf%C3%A9"_qs << true;
+    QTest::newRow("encoded line break in the address") << u"mailto:a@b.c%0Abcc:x@y"_qs << false;
+    QTest::newRow("encoded line break in a header") << u"mailto:a@b.c?subject=Hi%0D%0ABcc:%20x@y"_qs << false;
+    QTest::newRow("encoded line break in cc") << u"mailto:a@b.c?cc=x@y%0A"_qs << false;
+    QTest::newRow("encoded line break in a field name") << u"mailto:a@b.c?sub%0Aject=x"_qs << false;
+    QTest::newRow("encoded line break in the fragment") << u"mailto:a@b.c?body=x#%0A"_qs << false;
+    QTest::newRow("encoded NUL in sms") << u"sms:600%00"_qs << false;
+    QTest::newRow("encoded DEL in facetime") << u"facetime://600%7F"_qs << false;
+    QTest::newRow("encoded C1 control") << u"tel://600%C2%85"_qs << false;
+    QTest::newRow("lone C1 byte") << u"tel://600%85"_qs << false;
+    QTest::newRow("overlong line break") << u"sms:600%C0%8A"_qs << false;
+    QTest::newRow("encoded right-to-left override") << u"sms:600%E2%80%AE"_qs << false;
+    QTest::newRow("encoded zero-width space, lower case") << u"mailto:a%e2%80%8b@b.c"_qs << false;
+    QTest::newRow("encoded byte-order mark") << u"facetime://%EF%BB%BFbob@example.com"_qs << false;
     QTest::newRow("empty") << QString() << false;
     QTest::newRow("longer than the cap") << QString(u"sms:" + QString(LaunchAddress::maximumLength, u'1')) << false;
 }
@@ -74,6 +91,9 @@ void tst_LaunchAddress::browserGate_data()
     QTest::newRow("zero-width space") << u"https://meet.google.com/a\u200Bb"_qs << false;
     QTest::newRow("newline then switch") << u"https://meet.google.com/abc\n--no-sandbox"_qs << false;
     QTest::newRow("data with zoom part") << u"data:text/html,<script>zoom.us/</script>"_qs << false;
+    QTest::newRow("encoded line break") << u"https://meet.google.com/abc%0D%0ASet-Cookie:x"_qs << false;
+    QTest::newRow("encoded bidi isolate") << u"https://zoom.us/j/1?pwd=%E2%81%A6x"_qs << false;
+    QTest::newRow("encoded letter") << u"https://meet.jit.si/caf%C3%A9"_qs << true;
     QTest::newRow("no host") << u"https:///path"_qs << false;
     QTest::newRow("other scheme") << u"ftp://meet.google.com/"_qs << false;
     QTest::newRow("2048 characters") << QString(u"https://meet.google.com/" + QString(2048 - 24, u'a')) << true;
