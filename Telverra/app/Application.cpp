@@ -10,6 +10,7 @@
 #include "app/SymbolIconProvider.h"
 #include <QCommandLineParser>
 #include <QDirIterator>
+#include <QEventLoop>
 #include <QGuiApplication>
 
 #include <QQmlApplicationEngine>
@@ -72,6 +73,34 @@ void takeScreenshots(QQmlApplicationEngine &engine, HomeWindowViewModel &viewMod
         });
     };
     QTimer::singleShot(2500, window, [next] { (*next)(0); });
+}
+
+// Where there is a display, a store that cannot be opened is told in a window before the process stops; a terminal
+// alone only ever sees the fatal line.
+void tellStoreFailuresOnScreen()
+{
+    const QString platform = QGuiApplication::platformName();
+    if (platform == u"offscreen" || platform == u"minimal") {
+        return;
+    }
+    CoreDataManager::setLoadFailureNotice([](const QString &storeFile, const QString &error) {
+        QQmlApplicationEngine engine;
+        prepareEngine(engine);
+        engine.setInitialProperties({{QStringLiteral("storeFile"), storeFile}, {QStringLiteral("error"), error}});
+        engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Telverra/app/StoreErrorWindow.qml")));
+        auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
+        if (!window) {
+            return;
+        }
+        QEventLoop loop;
+        QObject::connect(window, &QWindow::visibleChanged, &loop, [&loop](bool visible) {
+            if (!visible) {
+                loop.quit();
+            }
+        });
+        window->requestActivate();
+        loop.exec();
+    });
 }
 
 } // namespace
@@ -170,6 +199,7 @@ int run(int argc, char *argv[])
         DeploymentSettings::setSharedFile(parser.value(infoOption));
     }
     // The store is loaded before any window: a store that cannot be loaded stops the process here.
+    tellStoreFailuresOnScreen();
     CoreDataManager::shared();
     std::unique_ptr<VCardDirectoryStore> contactsFolder;
     if (parser.isSet(contactsOption)) {

@@ -22,7 +22,6 @@
 #include <QCoreApplication>
 #include <QLocale>
 #include <QNetworkAccessManager>
-#include <QRegularExpression>
 #include <QSet>
 #include <QtConcurrent>
 
@@ -582,15 +581,7 @@ void HomeWindowViewModel::makeCallFromClipboard()
         handlePhoneCallResult(m_callsManager->makePhoneCall(m_dialer.display));
         return;
     }
-    // A meeting address: trailing white space goes (line breaks included), then leading blanks (a leading line
-    // break stays).
-    static const QRegularExpression trailing(QStringLiteral("\\s+$"), QRegularExpression::UseUnicodePropertiesOption);
-    QString address = QString(*text).remove(trailing);
-    qsizetype start = 0;
-    while (start < address.size() && (address[start] == u'\t' || address[start].category() == QChar::Separator_Space)) {
-        ++start;
-    }
-    openTelcoURL(address.sliced(start));
+    openTelcoURL(ClipboardText::meetingAddress(*text));
 }
 
 void HomeWindowViewModel::startMeetingInBrowser(CallTypes type)

@@ -1,10 +1,10 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 import Telverra
 
+// No "ComponentBehavior: Bound" here: Qt 6.4's Loader refuses to create a bound component, and the sections are built
+// by Loaders when first shown.
 // The main window: the sidebar of sections beside the selected screen, the toolbar with the weather card, the menu
 // commands and the launch-error alert.
 ApplicationWindow {
@@ -21,18 +21,28 @@ ApplicationWindow {
         palette.dark = "#18181a"; palette.midlight = "#444448"; palette.shadow = "#000000"
         palette.link = "#6cb4ff"; palette.toolTipBase = "#3a3a3e"; palette.toolTipText = "#f0f0f0"
     }
-    // The section shown: the one whose flag was set last.
+    // The section shown: the one whose flag was raised last. Showing a section lowers the flag of the one it
+    // replaces, as a navigation does, so that the next command that raises a flag always changes something.
     property string currentSection: "welcome"
+    // The sections shown at least once: each is built when first shown and then kept, with its scroll position.
+    property var builtSections: ["welcome"]
+    readonly property var sectionFlags: ({ welcome: "isWelcomeShown", dialer: "isDialerShown", recents: "isRecentsShown",
+                                          favorites: "isFavoritesShown", contacts: "isContactsShown" })
 
     function openWeatherPopover() { weatherCard.showDailyWeatherPopOver = true }
-    function chooseSection(section) {
-        // The sidebar's navigation selects one entry: the previous one is left.
-        viewModel.isWelcomeShown = false
-        viewModel.isDialerShown = section === "dialer"
-        viewModel.isRecentsShown = section === "recents"
-        viewModel.isFavoritesShown = section === "favorites"
-        viewModel.isContactsShown = section === "contacts"
+    function showSection(section) {
+        if (section === currentSection)
+            return
+        const previous = currentSection
         currentSection = section
+        if (builtSections.indexOf(section) < 0)
+            builtSections = builtSections.concat([section])
+        viewModel[sectionFlags[previous]] = false
+    }
+    function chooseSection(section) {
+        if (section === currentSection)
+            return
+        viewModel[sectionFlags[section]] = true
     }
 
     width: 1000
@@ -44,11 +54,11 @@ ApplicationWindow {
 
     Connections {
         target: window.viewModel
-        function onIsWelcomeShownChanged() { if (window.viewModel.isWelcomeShown) window.currentSection = "welcome" }
-        function onIsDialerShownChanged() { if (window.viewModel.isDialerShown) window.currentSection = "dialer" }
-        function onIsRecentsShownChanged() { if (window.viewModel.isRecentsShown) window.currentSection = "recents" }
-        function onIsFavoritesShownChanged() { if (window.viewModel.isFavoritesShown) window.currentSection = "favorites" }
-        function onIsContactsShownChanged() { if (window.viewModel.isContactsShown) window.currentSection = "contacts" }
+        function onIsWelcomeShownChanged() { if (window.viewModel.isWelcomeShown) window.showSection("welcome") }
+        function onIsDialerShownChanged() { if (window.viewModel.isDialerShown) window.showSection("dialer") }
+        function onIsRecentsShownChanged() { if (window.viewModel.isRecentsShown) window.showSection("recents") }
+        function onIsFavoritesShownChanged() { if (window.viewModel.isFavoritesShown) window.showSection("favorites") }
+        function onIsContactsShownChanged() { if (window.viewModel.isContactsShown) window.showSection("contacts") }
         function onCallManagerErrorPublished(text) { errorAlert.open() }
     }
 
@@ -117,11 +127,31 @@ ApplicationWindow {
             currentIndex: ["welcome", "dialer", "recents", "favorites", "contacts"].indexOf(window.currentSection)
 
             WelcomeView { viewModel: window.viewModel }
-            DialerView { viewModel: window.viewModel; active: window.currentSection === "dialer" }
-            RecentsView { viewModel: window.viewModel }
-            SectionPlaceholder { title: "Favorites"; symbol: "heart.fill"; text: "Favourite contacts and meeting links will be listed here." }
-            SectionPlaceholder { title: "Contacts"; symbol: "person.circle.fill"; text: "Your address book will be listed here." }
+            // Each section is built when first shown, then kept.
+            Loader { active: window.builtSections.indexOf("dialer") >= 0; sourceComponent: dialerSection }
+            Loader { active: window.builtSections.indexOf("recents") >= 0; sourceComponent: recentsSection }
+            Loader { active: window.builtSections.indexOf("favorites") >= 0; sourceComponent: favoritesSection }
+            Loader { active: window.builtSections.indexOf("contacts") >= 0; sourceComponent: contactsSection }
         }
+    }
+
+    Component {
+        id: dialerSection
+        DialerView { viewModel: window.viewModel; active: window.currentSection === "dialer" }
+    }
+    Component {
+        id: recentsSection
+        RecentsView { viewModel: window.viewModel }
+    }
+    Component {
+        id: favoritesSection
+        SectionPlaceholder {
+            title: "Favorites"; symbol: "heart.fill"; text: "Favourite contacts and meeting links will be listed here."
+        }
+    }
+    Component {
+        id: contactsSection
+        SectionPlaceholder { title: "Contacts"; symbol: "person.circle.fill"; text: "Your address book will be listed here." }
     }
 
     Dialog {

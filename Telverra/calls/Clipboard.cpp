@@ -33,3 +33,18 @@ void SystemClipboard::setPlainText(const QString &text)
         clipboard->setText(text);
     }
 }
+
+QString ClipboardText::meetingAddress(const QString &text)
+{
+    // What "\\s+$" removes, in one pass from the end: a regular expression backtracks quadratically over a long run of
+    // white space that something else follows.
+    qsizetype end = text.size();
+    while (end > 0 && text[end - 1].isSpace()) {
+        --end;
+    }
+    qsizetype start = 0;
+    while (start < end && (text[start] == u'\t' || text[start].category() == QChar::Separator_Space)) {
+        ++start;
+    }
+    return text.sliced(start, end - start);
+}

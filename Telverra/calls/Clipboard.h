@@ -15,6 +15,12 @@ public:
     virtual void setPlainText(const QString &text) = 0;
 };
 
+namespace ClipboardText {
+/// Clipboard text taken as a meeting address: trailing white space removed (line breaks included), then leading
+/// blanks and tabs (a leading line break stays).
+QString meetingAddress(const QString &text);
+} // namespace ClipboardText
+
 /// The desktop clipboard of the running QGuiApplication; without one (a console run) it reads nothing and drops
 /// writes.
 class SystemClipboard : public Clipboard

@@ -71,6 +71,28 @@ quint16 DevToolsTabSource::activePort() const
     return 0;
 }
 
+QList<DevToolsTabSource::Page> DevToolsTabSource::pages(const QByteArray &list)
+{
+    QList<Page> pages;
+    for (const QJsonValue &target : QJsonDocument::fromJson(list).array()) {
+        const QJsonObject object = target.toObject();
+        if (object.value(u"type").toString() == u"page") {
+            pages.append(
+                {object.value(u"id").toString(), object.value(u"title").toString(), object.value(u"url").toString()});
+        }
+    }
+    return pages;
+}
+
+std::optional<QUrl> DevToolsTabSource::browserEndpoint(const QByteArray &version)
+{
+    const QUrl endpoint(QJsonDocument::fromJson(version).object().value(u"webSocketDebuggerUrl").toString());
+    if (endpoint.scheme() != u"ws" || endpoint.host() != u"127.0.0.1") {
+        return std::nullopt; // only ever the loopback endpoint
+    }
+    return endpoint;
+}
+
 std::optional<ScriptValue> DevToolsTabSource::run(const QString &script, bool chrome)
 {
     Q_UNUSED(script); // the endpoint answers the same question the script asks
@@ -94,24 +116,11 @@ std::optional<ScriptValue> DevToolsTabSource::run(const QString &script, bool ch
     if (!list) {
         return std::nullopt;
     }
-    const QUrl browserEndpoint(QJsonDocument::fromJson(*version).object().value(u"webSocketDebuggerUrl").toString());
-    if (browserEndpoint.scheme() != u"ws" || browserEndpoint.host() != u"127.0.0.1") {
-        return std::nullopt; // only ever the loopback endpoint
+    const std::optional<QUrl> endpoint = browserEndpoint(*version);
+    if (!endpoint) {
+        return std::nullopt;
     }
-    struct Page
-    {
-        QString id;
-        QString title;
-        QString url;
-    };
-    QList<Page> pages;
-    for (const QJsonValue &target : QJsonDocument::fromJson(*list).array()) {
-        const QJsonObject object = target.toObject();
-        if (object.value(u"type").toString() == u"page") {
-            pages.append(
-                {object.value(u"id").toString(), object.value(u"title").toString(), object.value(u"url").toString()});
-        }
-    }
+    const QList<Page> pages = DevToolsTabSource::pages(*list);
 
     // The window of each page, asked over the browser's WebSocket, answers matched by request id.
     QWebSocket socket;
@@ -140,7 +149,7 @@ std::optional<ScriptValue> DevToolsTabSource::run(const QString &script, bool ch
         }
     });
     QObject::connect(&socket, &QWebSocket::disconnected, &loop, &QEventLoop::quit);
-    socket.open(browserEndpoint);
+    socket.open(*endpoint);
     if (deadline.isActive()) {
         loop.exec();
     }

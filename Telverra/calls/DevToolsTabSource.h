@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QUrl>
+
 #include "BrowserTabSource.h"
 
 #include <QStringList>
@@ -21,6 +23,18 @@ public:
     static QStringList defaultProfiles();
 
     std::optional<ScriptValue> run(const QString &script, bool chrome) override;
+
+    /// A page of the browser as /json/list describes it.
+    struct Page
+    {
+        QString id;
+        QString title;
+        QString url;
+    };
+    /// The pages of a /json/list answer, in its order (other targets, such as workers, are left out).
+    static QList<Page> pages(const QByteArray &list);
+    /// The browser's WebSocket endpoint from a /json/version answer; only ever one on 127.0.0.1.
+    static std::optional<QUrl> browserEndpoint(const QByteArray &version);
 
 private:
     quint16 activePort() const;

@@ -103,9 +103,14 @@ std::optional<ScriptValue> FirefoxSessionTabSource::run(const QString &script, b
     if (!json) {
         return std::nullopt;
     }
+    return windowsFromSession(*json);
+}
+
+ScriptValue FirefoxSessionTabSource::windowsFromSession(const QByteArray &json)
+{
     QList<ScriptValue> windows;
     int windowNumber = 0;
-    for (const QJsonValue &window : QJsonDocument::fromJson(*json).object().value(u"windows").toArray()) {
+    for (const QJsonValue &window : QJsonDocument::fromJson(json).object().value(u"windows").toArray()) {
         QList<ScriptValue> tabs;
         for (const QJsonValue &tab : window.toObject().value(u"tabs").toArray()) {
             // A tab's history; "index" (1-based) is the page it shows now.

@@ -19,6 +19,8 @@ public:
 
     /// The JSON inside a mozlz4 file, or nothing when the file is not one, is truncated or its header lies.
     static std::optional<QByteArray> decompressMozLz4(const QByteArray &file);
+    /// The windows and tabs of a session document (each tab's current page), as the listing script gives them.
+    static ScriptValue windowsFromSession(const QByteArray &json);
 
     std::optional<ScriptValue> run(const QString &script, bool chrome) override;
 

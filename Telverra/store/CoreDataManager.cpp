@@ -13,13 +13,22 @@ QString &sharedStoreFile()
     static QString file;
     return file;
 }
+
+CoreDataManager::LoadFailureNotice &loadFailureNotice()
+{
+    static CoreDataManager::LoadFailureNotice notice;
+    return notice;
+}
 } // namespace
 
 CoreDataManager::CoreDataManager(const QString &storeFile, PersistentContainer::OpenMode mode)
     : m_container(std::make_unique<PersistentContainer>(containerName, storeFile, mode))
 {
-    m_container->loadPersistentStores([](const PersistentContainer::StoreDescription &, const QString &error) {
+    m_container->loadPersistentStores([](const PersistentContainer::StoreDescription &store, const QString &error) {
         if (!error.isEmpty()) {
+            if (loadFailureNotice()) {
+                loadFailureNotice()(store.file, error);
+            }
             // Nothing can be remembered without the store; there is no recovery and the file is left as it is.
             fatalError("Telverra/CoreDataManager", 40, u"Core Data unresolved error " + error);
         }
@@ -42,6 +51,11 @@ CoreDataManager &CoreDataManager::shared()
 void CoreDataManager::setSharedStoreFile(const QString &storeFile)
 {
     sharedStoreFile() = storeFile;
+}
+
+void CoreDataManager::setLoadFailureNotice(LoadFailureNotice notice)
+{
+    loadFailureNotice() = std::move(notice);
 }
 
 QString CoreDataManager::defaultStoreFile()

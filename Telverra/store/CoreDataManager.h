@@ -6,6 +6,8 @@
 
 #include <QString>
 
+#include <functional>
+
 #include <memory>
 #include <optional>
 
@@ -31,6 +33,10 @@ public:
     /// setSharedStoreFile() before that first use.
     static CoreDataManager &shared();
     static void setSharedStoreFile(const QString &storeFile);
+    /// Called with the file and the error when a store cannot be loaded, before the process stops: the application
+    /// tells the user there while it still can.
+    using LoadFailureNotice = std::function<void(const QString &storeFile, const QString &error)>;
+    static void setLoadFailureNotice(LoadFailureNotice notice);
     /// $XDG_DATA_HOME/telverra/Telverra.sqlite
     static QString defaultStoreFile();
 

@@ -54,7 +54,11 @@ std::optional<QList<QPair<QGeoCoordinate, Placemark>>> OpenWeatherGeocoder::deco
         if (name.isString() && !name.toString().isEmpty()) {
             placemark.locality = name.toString();
         }
-        places.append({QGeoCoordinate(lat, lon), placemark});
+        const QGeoCoordinate position(lat, lon);
+        if (!position.isValid()) {
+            return std::nullopt; // a place off the globe: the answer is not one to trust
+        }
+        places.append({position, placemark});
     }
     if (!json.ok()) {
         return std::nullopt;

@@ -20,7 +20,8 @@ public:
 
     /// The country name of an ISO 3166 code ("ES" → "Spain"); an unknown code is kept as it is.
     static QString countryName(const QString &isoCode);
-    /// The places of a geocoding answer with their positions; nothing for a body of another shape.
+    /// The places of a geocoding answer with their positions; nothing for a body of another shape or with a place off
+    /// the globe.
     static std::optional<QList<QPair<QGeoCoordinate, Placemark>>> decode(const QByteArray &body);
 
     void setFetchLimits(FetchLimits limits) { m_limits = limits; }

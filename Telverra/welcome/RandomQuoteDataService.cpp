@@ -47,18 +47,31 @@ void RandomQuoteDataService::fetch(const QString &baseUrl, FetchLimits limits)
                 Trace::line(QStringLiteral("The operation couldn’t be completed. (NSURLErrorDomain error -1011.)"));
                 return;
             }
-            StrictJson json;
-            const QJsonObject object = json.document(result.body);
-            json.text(object, QStringLiteral("language"));
-            const QString text = json.text(object, QStringLiteral("text"));
-            if (!json.ok()) {
-                Trace::line(json.failureText());
+            QString failure;
+            const std::optional<QString> text = decodeQuote(result.body, &failure);
+            if (!text) {
+                Trace::line(failure);
                 return;
             }
-            m_randomQuote = text;
+            m_randomQuote = *text;
             Q_EMIT randomQuoteChanged();
         },
         limits);
+}
+
+std::optional<QString> RandomQuoteDataService::decodeQuote(const QByteArray &body, QString *failure)
+{
+    StrictJson json;
+    const QJsonObject object = json.document(body);
+    json.text(object, QStringLiteral("language"));
+    const QString text = json.text(object, QStringLiteral("text"));
+    if (!json.ok()) {
+        if (failure) {
+            *failure = json.failureText();
+        }
+        return std::nullopt;
+    }
+    return text;
 }
 
 namespace Welcome {

@@ -25,6 +25,9 @@ public:
     /// "/randomquote/es_ES" or "/randomquote/en_US" for a language tag: Spanish unless the tag is English (and not
     /// also Spanish).
     static QString quotePath(const QString &languageLocale);
+    /// The saying of an answer ({"language": …, "text": …}, other fields allowed); nothing, with the decoder's failure
+    /// text in `failure`, for any other body.
+    static std::optional<QString> decodeQuote(const QByteArray &body, QString *failure = nullptr);
 
 Q_SIGNALS:
     void randomQuoteChanged();

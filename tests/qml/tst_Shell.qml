@@ -32,14 +32,22 @@ TestCase {
     }
     function find(name) { return findChild(window.contentItem, name) }
 
-    function test_welcomeAtStartThenCtrl2SelectsRecentsFromTheDialer() {
+    function test_sectionShortcutsWorkInAnyOrderAfterTheHandOver() {
         compare(window.currentSection, "welcome")
+        viewModel.isWelcomeShown = false // the hand-over, as the welcome timer makes it
         viewModel.isDialerShown = true
         compare(window.currentSection, "dialer")
-        testSupport.sendKey(window, Qt.Key_2, Qt.ControlModifier)
+        const keys = { dialer: Qt.Key_1, recents: Qt.Key_2, favorites: Qt.Key_3, contacts: Qt.Key_4 }
+        for (const section of ["recents", "dialer", "recents", "contacts", "favorites", "favorites", "dialer", "contacts"]) {
+            testSupport.sendKey(window, keys[section], Qt.ControlModifier)
+            compare(window.currentSection, section)
+            // Only the shown section's flag is up, so the next command always changes something.
+            for (const other of Object.keys(keys))
+                compare(viewModel[window.sectionFlags[other]], other === section, other)
+        }
+        mouseClick(find("sidebar-recents"))
         compare(window.currentSection, "recents")
-        verify(viewModel.isRecentsShown)
-        verify(viewModel.isDialerShown) // the menu commands only set their own flag
+        verify(!viewModel.isContactsShown)
     }
 
     function test_ctrlBackspaceClearsTheDisplayAndItsWarning() {

@@ -9,6 +9,7 @@
 #include <QRandomGenerator>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -53,6 +54,7 @@ private Q_SLOTS:
     void checkedInVersion1StoreOpens();
     void storesThatCannotLoad_data();
     void storesThatCannotLoad();
+    void fatalStopBeforeAnyWindow_data();
     void fatalStopBeforeAnyWindow();
     void durabilityUnderKill();
 
@@ -419,22 +421,51 @@ void tst_CoreDataManager::storesThatCannotLoad()
     QVERIFY2(reported.contains(error), qPrintable(reported));
 }
 
+void tst_CoreDataManager::fatalStopBeforeAnyWindow_data()
+{
+    QTest::addColumn<QString>("platform");
+    QTest::newRow("no display: the fatal line only") << u"offscreen"_qs;
+    if (!qEnvironmentVariableIsEmpty("DISPLAY") && !QStandardPaths::findExecutable(u"xdotool"_qs).isEmpty()) {
+        QTest::newRow("a display: a message window first") << u"xcb"_qs;
+    }
+}
+
+// A damaged store stops the program before its window, and leaves the file as it was. With a display the user is
+// told in a window (the test finds it by its title and presses Return on its button) before the fatal line.
 void tst_CoreDataManager::fatalStopBeforeAnyWindow()
 {
+    QFETCH(QString, platform);
     TestHome home;
-    QVERIFY(!home.writeFile(u".local/share/telverra/Telverra.sqlite"_qs, QByteArray(4096, 'Z')).isEmpty());
+    const QByteArray damaged(4096, 'Z');
+    const QString file = home.writeFile(u".local/share/telverra/Telverra.sqlite"_qs, damaged);
     QProcess telverra;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"QT_QPA_PLATFORM"_qs, u"offscreen"_qs);
+    environment.insert(u"QT_QPA_PLATFORM"_qs, platform);
     environment.insert(u"ASAN_OPTIONS"_qs, u"detect_leaks=0:handle_abort=0"_qs);
     telverra.setProcessEnvironment(environment);
     telverra.start(QStringLiteral(TELVERRA_EXECUTABLE), {});
+    QVERIFY(telverra.waitForStarted());
+    if (platform == u"xcb") {
+        QProcess search;
+        search.start(u"xdotool"_qs, {u"search"_qs, u"--sync"_qs, u"--onlyvisible"_qs, u"--name"_qs,
+                                     u"Telverra cannot open its history"_qs});
+        QVERIFY(search.waitForFinished(30000));
+        const QString window = QString::fromLatin1(search.readAllStandardOutput()).section(u'\n', 0, 0).trimmed();
+        QVERIFY2(!window.isEmpty(), "the message window did not appear");
+        QVERIFY(!telverra.waitForFinished(500)); // it waits for the user
+        QCOMPARE(QProcess::execute(u"xdotool"_qs, {u"windowfocus"_qs, u"--sync"_qs, window}), 0);
+        QCOMPARE(QProcess::execute(u"xdotool"_qs, {u"key"_qs, u"Return"_qs}), 0);
+    }
     QVERIFY(telverra.waitForFinished(30000));
     QCOMPARE(telverra.exitStatus(), QProcess::CrashExit);
     const QString errors = QString::fromUtf8(telverra.readAllStandardError());
     QVERIFY2(errors.contains(u"Telverra/CoreDataManager:40: Fatal error: Core Data unresolved error The store "_qs),
              qPrintable(errors));
     QVERIFY(errors.contains(u"is not a readable database: file is not a database"_qs));
+    QFile after(file);
+    QVERIFY(after.open(QIODevice::ReadOnly));
+    QCOMPARE(after.readAll(), damaged);
+    QVERIFY(!QFile::exists(file + u"-wal"));
 }
 
 // A writer adds records one save at a time and says which it saved; it is killed at random moments. Every record

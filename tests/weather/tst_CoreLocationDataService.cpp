@@ -208,6 +208,10 @@ void tst_CoreLocationDataService::reverseGeocodingOverHttp_data()
     QTest::newRow("an object") << QByteArray(R"({"cod":401})") << false << QString() << QString();
     QTest::newRow("no coordinates") << QByteArray(R"([{"name":"X","country":"ES"}])") << false << QString()
                                     << QString();
+    QTest::newRow("latitude off the globe")
+        << QByteArray(R"([{"name":"X","lat":400.0,"lon":-3.5,"country":"ES"}])") << false << QString() << QString();
+    QTest::newRow("longitude off the globe")
+        << QByteArray(R"([{"lat":1,"lon":-180.5}])") << false << QString() << QString();
 }
 
 void tst_CoreLocationDataService::reverseGeocodingOverHttp()

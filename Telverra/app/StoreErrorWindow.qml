@@ -1,0 +1,78 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+
+// Shown when the history store cannot be opened, before the program stops: which file, what went wrong, that nothing
+// was touched, and how to start again with an empty history.
+ApplicationWindow {
+    id: window
+
+    required property string storeFile
+    required property string error
+
+    title: "Telverra cannot open its history"
+    width: 600
+    height: content.implicitHeight + 40
+    minimumWidth: 420
+    visible: true
+
+    ColumnLayout {
+        id: content
+        anchors.fill: parent
+        anchors.margins: 20
+        spacing: 12
+
+        RowLayout {
+            spacing: 12
+            SymbolIcon { name: "exclamationmark.triangle.fill"; size: 32; color: "#e08a00" }
+            Label {
+                Layout.fillWidth: true
+                text: "Telverra cannot open its history"
+                font.pixelSize: 18
+                font.bold: true
+                wrapMode: Text.Wrap
+            }
+        }
+        Label {
+            Layout.fillWidth: true
+            text: "The file that keeps your call history and favourites could not be opened:"
+            wrapMode: Text.Wrap
+        }
+        TextField {
+            objectName: "storeFile"
+            Layout.fillWidth: true
+            text: window.storeFile
+            readOnly: true
+            selectByMouse: true
+            Accessible.name: "Store file"
+        }
+        Label {
+            objectName: "storeError"
+            Layout.fillWidth: true
+            text: window.error
+            wrapMode: Text.Wrap
+            color: window.palette.placeholderText
+        }
+        Label {
+            Layout.fillWidth: true
+            text: "Nothing was changed or deleted: the file is exactly as it was."
+            wrapMode: Text.Wrap
+        }
+        Label {
+            Layout.fillWidth: true
+            text: "To start with an empty history, move the file aside (for example, rename it to "
+                  + "Telverra.sqlite.damaged) and start Telverra again. Keep the moved file if you want to recover it."
+            wrapMode: Text.Wrap
+        }
+        Button {
+            id: quit
+            Layout.alignment: Qt.AlignRight
+            text: "Quit"
+            Accessible.name: "Quit"
+            focus: true
+            onClicked: window.close()
+            Keys.onReturnPressed: window.close()
+            Keys.onEscapePressed: window.close()
+        }
+    }
+}
