@@ -2,7 +2,9 @@
 
 #include "CommandLine.h"
 #include "HomeWindowViewModel.h"
+#include "contacts/ContactPhotoProvider.h"
 #include "contacts/ContactStoreManager.h"
+#include "contacts/ContactsDataService.h"
 #include "contacts/VCardDirectoryStore.h"
 #include "settings/DeploymentSettings.h"
 #include "store/CoreDataManager.h"
@@ -38,6 +40,14 @@ void prepareEngine(QQmlEngine &engine)
 {
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QStringLiteral("symbols"), new SymbolIconProvider);
+}
+
+// The contacts' pictures, from the address book the view model shows. The engine goes before the view model.
+void addContactPhotos(QQmlEngine &engine, const HomeWindowViewModel &viewModel)
+{
+    const ContactsDataService *contacts = &viewModel.contactsDataService();
+    engine.addImageProvider(QStringLiteral("contactphoto"),
+                            new ContactPhotoProvider([contacts](const QString &id) { return contacts->record(id); }));
 }
 
 // Saves a picture of each section into the folder, then quits (the screenshots of the README).
@@ -130,6 +140,7 @@ int selfTest()
     HomeWindowViewModel viewModel(environment);
     QQmlApplicationEngine application;
     prepareEngine(application);
+    addContactPhotos(application, viewModel);
     application.setInitialProperties(
         {{QStringLiteral("viewModel"), QVariant::fromValue(&viewModel)}, {QStringLiteral("visible"), false}});
     application.load(mainQml);
@@ -212,6 +223,7 @@ int run(int argc, char *argv[])
 
     QQmlApplicationEngine engine;
     prepareEngine(engine);
+    addContactPhotos(engine, viewModel);
     engine.setInitialProperties(
         {{QStringLiteral("viewModel"), QVariant::fromValue(&viewModel)},
          {QStringLiteral("darkScheme"), qEnvironmentVariable("TELVERRA_COLOR_SCHEME") == u"dark"}});

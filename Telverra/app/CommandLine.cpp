@@ -51,14 +51,18 @@ int usageError(const QString &message)
     return 2;
 }
 
-// Waits until the address book has been read once (it is read on the event loop), at most a few seconds.
+// Waits until the address book has been read once (it is read on a thread of its own): a launch looks its number up
+// in it and a listing prints it.
 void waitForContacts(HomeWindowViewModel &viewModel)
 {
+    const ContactsDataService &contacts = viewModel.contactsDataService();
     QEventLoop loop;
-    QObject::connect(&viewModel.contactsDataService(), &ContactsDataService::allContactsChanged, &loop,
-                     &QEventLoop::quit);
-    QTimer::singleShot(3000, &loop, &QEventLoop::quit);
-    if (viewModel.allContacts().isEmpty()) {
+    QObject::connect(&contacts, &ContactsDataService::loadingChanged, &loop, [&loop, &contacts] {
+        if (!contacts.isLoading()) {
+            loop.quit();
+        }
+    });
+    if (contacts.isLoading()) {
         loop.exec();
     }
 }

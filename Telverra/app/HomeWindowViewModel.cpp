@@ -4,9 +4,11 @@
 #include "calls/Clipboard.h"
 #include "common/TextFolding.h"
 #include "common/Trace.h"
+#include "contacts/ContactFiling.h"
 #include "contacts/ContactSearchIndex.h"
 #include "contacts/ContactStoreManager.h"
 #include "contacts/ContactsDataService.h"
+#include "contacts/ContactsListModel.h"
 #include "favorites/FavoritesDataService.h"
 #include "recents/RecentCallsDataService.h"
 #include "recents/RecentCallsListModel.h"
@@ -28,18 +30,6 @@
 #include <algorithm>
 
 namespace {
-
-// The name a contact is filed under: family, else given, else organisation.
-const QString &filingName(const VCardContact &contact)
-{
-    if (!contact.familyName.isEmpty()) {
-        return contact.familyName;
-    }
-    if (!contact.givenName.isEmpty()) {
-        return contact.givenName;
-    }
-    return contact.organizationName;
-}
 
 bool isMeeting(CallTypes type)
 {
@@ -103,7 +93,10 @@ HomeWindowViewModel::HomeWindowViewModel(const Environment &environment, QObject
     m_favoritesDataService = std::make_unique<FavoritesDataService>(m_store, m_contactStore);
     m_recentCallsDataService = std::make_unique<RecentCallsDataService>(m_store);
     m_recentCallsDataService->fetchRecentCalls();
-    m_contactsDataService = std::make_unique<ContactsDataService>(m_contactStore);
+    // A window reads the address book in the background, so that it shows before the books are read.
+    m_contactsDataService = std::make_unique<ContactsDataService>(
+        m_contactStore, environment.headless ? ContactsDataService::ReadPriority::normal
+                                             : ContactsDataService::ReadPriority::background);
     if (!environment.headless) {
         m_corelocationDataService =
             std::make_unique<CoreLocationDataService>(*locationServices, *geocoder, m_preferences);
@@ -115,7 +108,18 @@ HomeWindowViewModel::HomeWindowViewModel(const Environment &environment, QObject
     m_searchDebounce.setSingleShot(true);
     m_searchDebounce.setInterval(500);
     subscribe();
-    m_recentCallsModel = std::make_unique<RecentCallsListModel>(*this);
+    m_recentCallsModel = std::make_unique<RecentCallsListModel>(*m_contactsDataService);
+    auto showRecents = [this] { m_recentCallsModel->setRecords(filteredRecentCalls()); };
+    connect(this, &HomeWindowViewModel::allRecentCallsChanged, this, showRecents);
+    connect(this, &HomeWindowViewModel::searchTextForRecentsChanged, this, showRecents);
+    showRecents();
+    m_contactsModel = std::make_unique<ContactsListModel>(*m_preferences);
+    for (auto changed :
+         {&HomeWindowViewModel::allContactsChanged, &HomeWindowViewModel::filteredContactsChanged,
+          &HomeWindowViewModel::shouldSearchForContactsChanged, &HomeWindowViewModel::searchTextForContactsChanged}) {
+        connect(this, changed, this, &HomeWindowViewModel::showContacts);
+    }
+    showContacts();
     if (!environment.headless) {
         startWeatherTimer();
     }
@@ -377,6 +381,11 @@ void HomeWindowViewModel::runContactFilter()
 
 void HomeWindowViewModel::resolveFavoriteContacts()
 {
+    // Until the address book has been read there is nobody to find (and a look-up would read every book on this
+    // thread); the first list read resolves them.
+    if (!m_contactsDataService->hasLoaded()) {
+        return;
+    }
     QList<Contact> resolved;
     for (const FavoriteContactEntityPtr &record : m_favoritesDataService->savedFavoriteContacts()) {
         if (std::optional<Contact> contact = m_contactStore->fetchContact(record->contactID())) {
@@ -518,20 +527,21 @@ void HomeWindowViewModel::setSearchTextForContacts(const QString &text)
     }
 }
 
+const QList<Contact> &HomeWindowViewModel::shownContacts() const
+{
+    return (!m_searchTextForContacts.isEmpty() && m_shouldSearchForContacts) ? m_filteredContacts : m_allContacts;
+}
+
+void HomeWindowViewModel::showContacts()
+{
+    m_contactsModel->setContacts(shownContacts());
+}
+
 QStringList HomeWindowViewModel::contactsIndexLetters() const
 {
-    const QList<Contact> &source =
-        (!m_searchTextForContacts.isEmpty() && m_shouldSearchForContacts) ? m_filteredContacts : m_allContacts;
     QSet<QString> letters;
-    for (const Contact &contact : source) {
-        const QString &name = filingName(contact.contact());
-        if (name.isEmpty() || name.front().isNumber()) {
-            letters.insert(QStringLiteral("#"));
-            continue;
-        }
-        // The first character (a whole surrogate pair where there is one), folded, then capitalised.
-        const qsizetype length = name.front().isHighSurrogate() && name.size() > 1 ? 2 : 1;
-        letters.insert(foldDiacritics(name.first(length)).toUpper());
+    for (const Contact &contact : shownContacts()) {
+        letters.insert(ContactFiling::indexLetter(contact.contact()));
     }
     QStringList sorted(letters.cbegin(), letters.cend());
     std::sort(sorted.begin(), sorted.end());
@@ -540,14 +550,9 @@ QStringList HomeWindowViewModel::contactsIndexLetters() const
 
 QList<Contact> HomeWindowViewModel::contactsForIndexLetter(const QString &letter, const QList<Contact> &contacts)
 {
-    static const QStringList numberish = {u"0"_qs, u"1"_qs, u"2"_qs, u"3"_qs, u"4"_qs, u"5"_qs, u"6"_qs,
-                                          u"7"_qs, u"8"_qs, u"9"_qs, u"-"_qs, u"_"_qs, u"."_qs, u"ç"_qs};
-    const QString wanted = letter.toLower();
     QList<Contact> kept;
     for (const Contact &contact : contacts) {
-        const QString folded = foldDiacritics(filingName(contact.contact()));
-        const QString first = folded.isEmpty() ? QString() : folded.first(1).toLower();
-        if (letter == u"#" ? numberish.contains(first) : first == wanted) {
+        if (ContactFiling::belongsUnder(letter, ContactFiling::sectionKey(contact.contact()))) {
             kept.append(contact);
         }
     }
@@ -665,6 +670,33 @@ void HomeWindowViewModel::addContactToFavorites(const Contact &contact)
     m_favoritesDataService->addFavoriteContact(contact.contact().givenName, contact.contact().familyName, contact.id());
 }
 
+void HomeWindowViewModel::sendContactActionTo(const QString &contactIdentifier, const QString &destinationTag,
+                                              const QString &callTypeRawValue)
+{
+    const std::optional<Contact> contact = m_contactsDataService->contact(contactIdentifier);
+    const std::optional<CallTypes> type = callTypesFromRawValue(callTypeRawValue);
+    if (contact && type) {
+        sendContactAction(*contact, destinationTag, *type);
+    }
+}
+
+void HomeWindowViewModel::addContactToFavoritesById(const QString &contactIdentifier)
+{
+    if (const std::optional<Contact> contact = m_contactsDataService->contact(contactIdentifier)) {
+        addContactToFavorites(*contact);
+    }
+}
+
+void HomeWindowViewModel::selectContact(const QString &contactIdentifier)
+{
+    setSelectedContact(m_contactsDataService->contact(contactIdentifier));
+}
+
+QString HomeWindowViewModel::contactsPermissionErrorDescription() const
+{
+    return m_contactsPermissionError ? m_contactsPermissionError->description() : QString();
+}
+
 void HomeWindowViewModel::saveFavoriteTelcosOrder()
 {
     qint32 position = 0;
@@ -744,6 +776,16 @@ void HomeWindowViewModel::handleMeetingResult(const CallResult &result)
 QObject *HomeWindowViewModel::recentCallsModel() const
 {
     return m_recentCallsModel.get();
+}
+
+QObject *HomeWindowViewModel::contactsModel() const
+{
+    return m_contactsModel.get();
+}
+
+QObject *HomeWindowViewModel::contactsDataServiceObject() const
+{
+    return m_contactsDataService.get();
 }
 
 void HomeWindowViewModel::recallRecentAt(int row)

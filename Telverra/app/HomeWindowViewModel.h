@@ -33,6 +33,7 @@ class FavoritesDataService;
 class Preferences;
 class RecentCallsDataService;
 class RecentCallsListModel;
+class ContactsListModel;
 
 /// The one application object: the whole state the screens show, the services that fill it, and every operation
 /// the screens and the command line call.
@@ -63,6 +64,10 @@ class HomeWindowViewModel : public QObject
                    corelocationPermissionErrorChanged)
     Q_PROPERTY(QString languageLocale READ languageLocale CONSTANT)
     Q_PROPERTY(QObject *recentCallsModel READ recentCallsModel CONSTANT)
+    Q_PROPERTY(QObject *contactsModel READ contactsModel CONSTANT)
+    Q_PROPERTY(QObject *contactsDataService READ contactsDataServiceObject CONSTANT)
+    Q_PROPERTY(QString contactsPermissionErrorDescription READ contactsPermissionErrorDescription NOTIFY
+                   contactsPermissionErrorChanged)
     Q_PROPERTY(bool fixedQuoteOnStartup READ fixedQuoteOnStartup CONSTANT)
     Q_PROPERTY(bool copyNumberURLToClipBoard READ copyNumberURLToClipBoard)
     Q_PROPERTY(bool updateWeatherInfoEveryHour READ updateWeatherInfoEveryHour)
@@ -150,11 +155,14 @@ public:
     const QList<Contact> &allContacts() const { return m_allContacts; }
     const QList<Contact> &filteredContacts() const { return m_filteredContacts; }
     const std::optional<ContactStoreManagerError> &contactsPermissionError() const { return m_contactsPermissionError; }
+    QString contactsPermissionErrorDescription() const;
     const std::optional<Contact> &selectedContact() const { return m_selectedContact; }
     void setSelectedContact(const std::optional<Contact> &contact);
     const QString &searchTextForContacts() const { return m_searchTextForContacts; }
     void setSearchTextForContacts(const QString &text);
     bool shouldSearchForContacts() const { return m_shouldSearchForContacts; }
+    /// The contacts the Contacts screen shows: the search's result while a search is in force, all contacts otherwise.
+    const QList<Contact> &shownContacts() const;
     /// The distinct index letters of the contacts shown ("#" for a number or no name), sorted.
     QStringList contactsIndexLetters() const;
     /// The contacts of the list filed under the letter ("#": a digit, "-", "_", "." or "ç" first).
@@ -201,10 +209,17 @@ public:
     Q_INVOKABLE void openTelcoURL(const QString &address);
     Q_INVOKABLE void copyValueToClipboard(const QString &value);
     void addContactToFavorites(const Contact &contact);
+    /// The contacts screen's actions, by the contact's identifier (the first of duplicates).
+    Q_INVOKABLE void sendContactActionTo(const QString &contactIdentifier, const QString &destinationTag,
+                                         const QString &callTypeRawValue);
+    Q_INVOKABLE void addContactToFavoritesById(const QString &contactIdentifier);
+    Q_INVOKABLE void selectContact(const QString &contactIdentifier);
     Q_INVOKABLE void saveFavoriteTelcosOrder();
 
     // The Recents screen: its rows and their actions, by row of the filtered list.
     QObject *recentCallsModel() const;
+    QObject *contactsModel() const;
+    QObject *contactsDataServiceObject() const;
     /// Double click: calls the destination again (a stored type that is no known kind is called as a number).
     Q_INVOKABLE void recallRecentAt(int row);
     Q_INVOKABLE void addRecentToFavoritesAt(int row);
@@ -315,7 +330,10 @@ private:
     QString m_countryName;
     std::optional<QGeoCoordinate> m_currentLocation;
 
+    void showContacts();
+
     std::unique_ptr<RecentCallsListModel> m_recentCallsModel;
+    std::unique_ptr<ContactsListModel> m_contactsModel;
     QTimer m_searchDebounce;
     quint64 m_filterGeneration = 0;
     // Made by the first search over a contacts list, in the background, and kept until the list changes.

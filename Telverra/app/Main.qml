@@ -151,7 +151,7 @@ ApplicationWindow {
     }
     Component {
         id: contactsSection
-        SectionPlaceholder { title: "Contacts"; symbol: "person.circle.fill"; text: "Your address book will be listed here." }
+        AllContactsView { viewModel: window.viewModel }
     }
 
     Dialog {

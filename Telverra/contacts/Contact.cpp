@@ -24,6 +24,11 @@ QString Contact::fullName(const VCardContact &contact)
     return parts.join(u' ');
 }
 
+QString Contact::description() const
+{
+    return u"Contact(id: " + id() + u", name: " + fullName() + u')';
+}
+
 namespace ContactLabels {
 
 QString localizedString(const QString &label)

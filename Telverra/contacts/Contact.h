@@ -42,15 +42,19 @@ struct Contact
     QMap<QString, QStringList> allSocialAccounts;
     QMap<QString, QString> allAdresses;
 
+    /// The record itself, shared.
+    const SharedVCardContact &record() const { return m_contact; }
     /// The address book's identifier of the contact.
     const QString &id() const { return m_contact->identifier; }
 
     /// Prefix, given, middle, family and suffix names joined by single blanks; empty when all are empty.
     static QString fullName(const VCardContact &contact);
     QString fullName() const { return fullName(*m_contact); }
+    /// "Contact(id: …, name: …)", for traces.
+    QString description() const;
 
 private:
-    std::shared_ptr<const VCardContact> m_contact;
+    SharedVCardContact m_contact;
 };
 
 namespace ContactLabels {

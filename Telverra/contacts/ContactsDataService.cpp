@@ -2,9 +2,11 @@
 
 #include "ContactStoreManager.h"
 #include "common/TextFolding.h"
+#include "common/ThreadPriority.h"
 
 #include <QPointer>
 #include <QThread>
+#include <QThreadPool>
 #include <QtConcurrent>
 
 #include <algorithm>
@@ -24,25 +26,40 @@ QString digitsOnly(QStringView text)
 }
 } // namespace
 
-ContactsDataService::ContactsDataService(ContactStoreManager *manager, QObject *parent)
+namespace {
+// The thread the books are read on: one, kept for it, so that its priority can be lowered for good.
+QThreadPool &readingThread()
+{
+    static QThreadPool *pool = [] {
+        auto *threads = new QThreadPool; // lives as long as the process
+        threads->setMaxThreadCount(1);
+        threads->setExpiryTimeout(-1);
+        return threads;
+    }();
+    return *pool;
+}
+} // namespace
+
+ContactsDataService::ContactsDataService(ContactStoreManager *manager, ReadPriority priority, QObject *parent)
     : QObject(parent)
     , m_manager(manager ? manager : &ContactStoreManager::shared())
+    , m_priority(priority)
 {
     loadContacts();
     connect(&m_manager->contactStore(), &ContactStore::didChange, this, &ContactsDataService::addressBookDidChange);
 }
 
+ContactsDataService::~ContactsDataService()
+{
+    m_read.waitForFinished();
+}
+
 void ContactsDataService::loadContacts()
 {
     QPointer<ContactsDataService> self(this);
-    auto fetched = [self](const ContactStoreManager::FetchResult &result) {
-        if (self) {
-            self->handleFetch(result);
-        }
-    };
     const auto status = static_cast<int>(m_manager->contactStore().authorizationStatus());
     if (status < 3) {
-        m_manager->requestAccess([self, fetched](const ContactStoreManager::AccessResult &result) {
+        m_manager->requestAccess([self](const ContactStoreManager::AccessResult &result) {
             if (std::holds_alternative<ContactStoreManagerError>(result)) {
                 QMetaObject::invokeMethod(
                     self,
@@ -57,11 +74,11 @@ void ContactsDataService::loadContacts()
             }
             // Whatever was granted, a fetch follows; refused access shows as an empty address book.
             if (self) {
-                self->m_manager->fetchAllContacts(std::nullopt, fetched);
+                self->startFetch();
             }
         });
     } else if (status == 3) {
-        m_manager->fetchAllContacts(std::nullopt, fetched);
+        startFetch();
     }
 }
 
@@ -71,54 +88,113 @@ void ContactsDataService::addressBookDidChange()
     QMetaObject::invokeMethod(
         this,
         [self] {
-            if (!self) {
-                return;
+            if (self) {
+                self->startFetch();
             }
-            self->m_manager->fetchAllContacts(std::nullopt, [self](const ContactStoreManager::FetchResult &result) {
-                if (self) {
-                    self->handleFetch(result);
-                }
-            });
         },
         Qt::QueuedConnection);
 }
 
-void ContactsDataService::handleFetch(const ContactStoreManager::FetchResult &result)
+void ContactsDataService::startFetch()
 {
-    // The results reach the published state on the event loop, after the fetch that produced them has returned.
-    QPointer<ContactsDataService> self(this);
-    if (const auto *error = std::get_if<ContactStoreManagerError>(&result)) {
-        QMetaObject::invokeMethod(
-            this,
-            [self, error = *error] {
-                if (self) {
-                    self->m_permissionError = error;
-                    Q_EMIT self->permissionErrorChanged();
-                }
-            },
-            Qt::QueuedConnection);
+    if (m_loading) {
+        // What is being read is already out of date: its results are dropped, and the books read again after it.
+        ++m_generation;
+        m_reloadPending = true;
         return;
     }
-    QMetaObject::invokeMethod(
-        this,
-        [self, contacts = std::get<QList<SharedVCardContact>>(result)]() mutable {
-            if (!self) {
-                return;
+    const quint64 generation = ++m_generation;
+    m_loading = true;
+    Q_EMIT loadingChanged();
+    // The destructor waits for the read, so the service outlives it; what it delivers goes through the event loop.
+    m_read = QtConcurrent::run(
+        &readingThread(), [this, generation, manager = m_manager, background = m_priority == ReadPriority::background] {
+            if (background) {
+                ThreadPriority::raiseNiceness(ThreadPriority::background);
             }
-            // The records are shared, not copied, and by now this list is their only holder: each is moved into its
-            // wrapper without touching it.
-            const std::vector<qsizetype> order = familyNameOrder(contacts);
-            QList<Contact> wrapped;
-            wrapped.reserve(contacts.size());
-            for (qsizetype index : order) {
-                wrapped.append(Contact(std::move(contacts[index])));
-            }
-            contacts.clear();
-            self->m_allContacts.clear();
-            self->m_allContacts = std::move(wrapped);
-            Q_EMIT self->allContactsChanged();
-        },
-        Qt::QueuedConnection);
+            manager->fetchAllContacts(std::nullopt, [this, generation](const ContactStoreManager::FetchResult &result) {
+                if (const auto *error = std::get_if<ContactStoreManagerError>(&result)) {
+                    QMetaObject::invokeMethod(
+                        this, [this, generation, error = *error] { publishError(generation, error); },
+                        Qt::QueuedConnection);
+                    return;
+                }
+                // Sorted and wrapped here: the records are shared, never copied, and this list is their only holder.
+                QList<SharedVCardContact> records = std::get<QList<SharedVCardContact>>(result);
+                const std::vector<qsizetype> order = familyNameOrder(records);
+                QList<Contact> contacts;
+                contacts.reserve(records.size());
+                auto directory = std::make_shared<Directory>();
+                directory->reserve(records.size());
+                for (qsizetype index : order) {
+                    if (!directory->contains(records[index]->identifier)) { // the first of duplicates
+                        directory->insert(records[index]->identifier, contacts.size());
+                    }
+                    contacts.append(Contact(std::move(records[index])));
+                }
+                records.clear();
+                QMetaObject::invokeMethod(
+                    this,
+                    [this, generation, contacts = std::move(contacts), directory = std::move(directory)]() mutable {
+                        publishList(generation, std::move(contacts), std::move(directory));
+                    },
+                    Qt::QueuedConnection);
+            });
+            QMetaObject::invokeMethod(this, &ContactsDataService::readFinished, Qt::QueuedConnection);
+        });
+}
+
+void ContactsDataService::publishError(quint64 generation, const ContactStoreManagerError &error)
+{
+    if (generation != m_generation) {
+        return; // from a read that a change superseded
+    }
+    m_permissionError = error;
+    Q_EMIT permissionErrorChanged();
+}
+
+void ContactsDataService::publishList(quint64 generation, QList<Contact> contacts,
+                                      std::shared_ptr<const Directory> directory)
+{
+    if (generation != m_generation) {
+        return;
+    }
+    m_allContacts.clear(); // the old records go before the new list is in place, so both are never held at once
+    m_allContacts = std::move(contacts);
+    {
+        QMutexLocker lock(&m_directoryMutex);
+        m_directory = std::move(directory);
+        m_directoryContacts = m_allContacts;
+    }
+    m_hasLoaded = true;
+    Q_EMIT allContactsChanged();
+}
+
+void ContactsDataService::readFinished()
+{
+    m_loading = false;
+    if (m_reloadPending) {
+        m_reloadPending = false;
+        startFetch();
+        return;
+    }
+    Q_EMIT loadingChanged();
+}
+
+std::optional<Contact> ContactsDataService::contact(const QString &identifier) const
+{
+    QMutexLocker lock(&m_directoryMutex);
+    if (!m_directory) {
+        return std::nullopt;
+    }
+    const auto found = m_directory->constFind(identifier);
+    return found == m_directory->cend() ? std::nullopt : std::optional<Contact>(m_directoryContacts.at(*found));
+}
+
+SharedVCardContact ContactsDataService::record(const QString &identifier) const
+{
+    const std::optional<Contact> found = contact(identifier);
+    return found ? found->record() : nullptr;
 }
 
 std::vector<qsizetype> ContactsDataService::familyNameOrder(const QList<SharedVCardContact> &contacts)

@@ -3,8 +3,12 @@
 #include "Contact.h"
 #include "ContactStoreManagerError.h"
 
+#include <QFuture>
+#include <QHash>
+#include <QMutex>
 #include <QObject>
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -12,15 +16,43 @@ class ContactStoreManager;
 
 /// The address book as the application shows it: every contact sorted by family name, fetched again whenever the
 /// address book changes, and the permission error when there is one.
+///
+/// The books are read and sorted on a thread of their own and the results published on this object's thread, in the
+/// order the fetch delivers them (its errors, then the list). A change while a read is under way supersedes it: its
+/// results are dropped and the books are read again.
 class ContactsDataService : public QObject
 {
     Q_OBJECT
+    Q_PROPERTY(bool loading READ isLoading NOTIFY loadingChanged)
+    Q_PROPERTY(bool loaded READ hasLoaded NOTIFY allContactsChanged)
+    Q_PROPERTY(int count READ count NOTIFY allContactsChanged)
 public:
+    /// How the reading thread competes with the others: a window reads in the background so that it appears first.
+    enum class ReadPriority
+    {
+        normal,
+        background
+    };
+
     /// Loads at once. Works on the shared manager unless given another.
-    explicit ContactsDataService(ContactStoreManager *manager = nullptr, QObject *parent = nullptr);
+    explicit ContactsDataService(ContactStoreManager *manager = nullptr, ReadPriority priority = ReadPriority::normal,
+                                 QObject *parent = nullptr);
+    /// Waits for a read under way to end.
+    ~ContactsDataService() override;
 
     const QList<Contact> &allContacts() const { return m_allContacts; }
+    int count() const { return int(m_allContacts.size()); }
     const std::optional<ContactStoreManagerError> &permissionError() const { return m_permissionError; }
+    ContactStoreManager &manager() const { return *m_manager; }
+    /// Whether the books are being read now.
+    bool isLoading() const { return m_loading; }
+    /// Whether a list has been published since construction (an empty address book counts).
+    bool hasLoaded() const { return m_hasLoaded; }
+
+    /// The published contact with that identifier (the first of duplicates), or nothing.
+    std::optional<Contact> contact(const QString &identifier) const;
+    /// The same, from any thread: the record alone.
+    SharedVCardContact record(const QString &identifier) const;
 
     /// Asks for access when it was never given, then fetches everything.
     void loadContacts();
@@ -44,11 +76,26 @@ public:
 Q_SIGNALS:
     void allContactsChanged();
     void permissionErrorChanged();
+    void loadingChanged();
 
 private:
-    void handleFetch(const std::variant<QList<SharedVCardContact>, ContactStoreManagerError> &result);
+    using Directory = QHash<QString, qsizetype>; // identifier → position in the list
+    void startFetch();
+    void publishError(quint64 generation, const ContactStoreManagerError &error);
+    void publishList(quint64 generation, QList<Contact> contacts, std::shared_ptr<const Directory> directory);
+    void readFinished();
 
     ContactStoreManager *m_manager;
+    ReadPriority m_priority;
     QList<Contact> m_allContacts;
     std::optional<ContactStoreManagerError> m_permissionError;
+    QFuture<void> m_read;
+    quint64 m_generation = 0;
+    bool m_loading = false;
+    bool m_reloadPending = false;
+    bool m_hasLoaded = false;
+    // The published list by identifier; guarded for the readers on other threads (the photo decoder).
+    mutable QMutex m_directoryMutex;
+    std::shared_ptr<const Directory> m_directory;
+    QList<Contact> m_directoryContacts;
 };

@@ -1,13 +1,16 @@
 #include "VCardDirectoryStore.h"
 
 #include "VCardReader.h"
+#include "common/ThreadPriority.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QSet>
 #include <QStandardPaths>
 #include <QThread>
+#include <QThreadPool>
 #include <QtConcurrent>
 
 #include <algorithm>
@@ -202,6 +205,15 @@ QList<QByteArray> VCardDirectoryStore::vcardFileNames(const QString &folder, qsi
 ContactStore::ContainersResult VCardDirectoryStore::containers()
 {
     ContainersResult result;
+    // A folder is one container, whichever root leads to it.
+    QSet<QString> seen;
+    auto add = [&result, &seen](const QFileInfo &book) {
+        const QString canonical = book.canonicalFilePath();
+        if (!seen.contains(canonical)) {
+            seen.insert(canonical);
+            result.containers.append({book.absoluteFilePath(), book.fileName()});
+        }
+    };
     for (const Root &root : std::as_const(m_roots)) {
         const QFileInfo info(root.path);
         if (!info.exists()) {
@@ -213,14 +225,14 @@ ContactStore::ContainersResult VCardDirectoryStore::containers()
             return result;
         }
         if (root.isBook || !vcardFileNames(root.path, 1).isEmpty()) {
-            result.containers.append({root.path, info.fileName()});
+            add(info);
         }
         if (root.isBook) {
             continue;
         }
         const QFileInfoList books = QDir(root.path).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
         for (const QFileInfo &book : books) {
-            result.containers.append({book.absoluteFilePath(), book.fileName()});
+            add(book);
         }
     }
     return result;
@@ -260,39 +272,72 @@ ContactStore::ContactsResult VCardDirectoryStore::unifiedContacts(const QString 
         return contacts;
     };
     // A large book is read in as many ranges as there are cores, the first on this thread; the ranges are joined in
-    // name order, so the result is the same as reading the files one after the other.
+    // name order, so the result is the same as reading the files one after the other. The helpers are threads kept for
+    // this, and work at the priority of the thread that asked.
     const qsizetype ranges = names.size() < 512 ? 1 : std::clamp(QThread::idealThreadCount(), 1, 8);
+    const int niceness = ThreadPriority::niceness();
+    auto readRangeAtCallersPriority = [&readRange, niceness](qsizetype begin, qsizetype end) {
+        ThreadPriority::raiseNiceness(niceness);
+        return readRange(begin, end);
+    };
+    static QThreadPool *rangeReaders = [] {
+        auto *pool = new QThreadPool; // lives as long as the process
+        pool->setMaxThreadCount(std::clamp(QThread::idealThreadCount(), 1, 8));
+        return pool;
+    }();
+    const quint64 changes = [this] {
+        QMutexLocker lock(&m_booksMutex);
+        return m_changes;
+    }();
     QList<QFuture<QList<SharedVCardContact>>> others;
     for (qsizetype range = 1; range < ranges; ++range) {
-        others.append(QtConcurrent::run(readRange, names.size() * range / ranges, names.size() * (range + 1) / ranges));
+        others.append(QtConcurrent::run(rangeReaders, readRangeAtCallersPriority, names.size() * range / ranges,
+                                        names.size() * (range + 1) / ranges));
     }
     result.contacts = readRange(0, names.size() / ranges);
     for (QFuture<QList<SharedVCardContact>> &other : others) {
         result.contacts.append(other.result());
     }
     ::close(directory);
+
+    // Remembered for look-ups by identifier, unless the book changed while it was read.
+    QHash<QString, SharedVCardContact> byIdentifier;
+    byIdentifier.reserve(result.contacts.size());
+    for (const SharedVCardContact &contact : std::as_const(result.contacts)) {
+        if (!byIdentifier.contains(contact->identifier)) { // the first of duplicates, as a list shows them
+            byIdentifier.insert(contact->identifier, contact);
+        }
+    }
+    QMutexLocker lock(&m_booksMutex);
+    if (m_changes == changes) {
+        m_books.insert(containerIdentifier, std::move(byIdentifier));
+    }
     return result;
 }
 
 ContactStore::ContactResult VCardDirectoryStore::unifiedContact(const QString &identifier)
 {
-    if (!m_indexValid) {
-        m_byIdentifier.clear();
-        const ContainersResult all = containers();
-        for (const Container &container : all.containers) {
-            for (const SharedVCardContact &contact : unifiedContacts(container.identifier).contacts) {
-                if (!m_byIdentifier.contains(contact->identifier)) { // the first of duplicates, as a list shows them
-                    m_byIdentifier.insert(contact->identifier, contact);
+    // The first book, in container order, that holds the identifier: as a list shows duplicates. A book not read since
+    // the last change is read now.
+    for (const Container &container : containers().containers) {
+        {
+            QMutexLocker lock(&m_booksMutex);
+            const auto book = m_books.constFind(container.identifier);
+            if (book != m_books.cend()) {
+                const auto found = book->constFind(identifier);
+                if (found != book->cend()) {
+                    return {**found, {}};
                 }
+                continue;
             }
         }
-        m_indexValid = all.error.isEmpty();
+        for (const SharedVCardContact &contact : unifiedContacts(container.identifier).contacts) {
+            if (contact->identifier == identifier) {
+                return {*contact, {}};
+            }
+        }
     }
-    const auto found = m_byIdentifier.constFind(identifier);
-    if (found == m_byIdentifier.cend()) {
-        return {std::nullopt, u"No contact with the identifier " + identifier + u" exists."};
-    }
-    return {**found, {}};
+    return {std::nullopt, u"No contact with the identifier " + identifier + u" exists."};
 }
 
 void VCardDirectoryStore::watch()
@@ -340,8 +385,11 @@ void VCardDirectoryStore::watch()
 
 void VCardDirectoryStore::settle()
 {
-    m_indexValid = false;
-    m_byIdentifier.clear();
+    {
+        QMutexLocker lock(&m_booksMutex);
+        ++m_changes;
+        m_books.clear();
+    }
     watch();
     Q_EMIT didChange();
 }

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QHash>
+#include <QMutex>
 #include <QTimer>
 
 #include <limits>
@@ -13,7 +14,11 @@
 ///
 /// Roots, in order: the address books listed in khard's configuration (each a container), then
 /// $XDG_DATA_HOME/contacts and $XDG_DATA_HOME/kpeoplevcard, whose sub-folders are containers (and the root itself
-/// when it holds .vcf files). Given folders replace these. Changes are watched and reported once things settle.
+/// when it holds .vcf files). Given folders replace these. A folder reached from two roots (a khard book that lies in
+/// the contacts folder, or a link to it) is one container. Changes are watched and reported once things settle.
+///
+/// containers() and unifiedContacts() may be called from any thread; each book read is remembered, so that a look-up
+/// by identifier after a full read costs a hash look-up per book instead of another read.
 class VCardDirectoryStore : public ContactStore
 {
     Q_OBJECT
@@ -53,7 +58,8 @@ private:
     QList<Root> m_roots;
     QFileSystemWatcher m_watcher;
     QTimer m_debounce;
-    // Contacts by identifier, from the last full read; dropped on every change.
-    QHash<QString, SharedVCardContact> m_byIdentifier;
-    bool m_indexValid = false;
+    // Each book's contacts by identifier (the first of duplicates), as last read; all dropped on every change.
+    QMutex m_booksMutex;
+    QHash<QString, QHash<QString, SharedVCardContact>> m_books;
+    quint64 m_changes = 0;
 };

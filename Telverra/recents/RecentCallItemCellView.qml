@@ -15,6 +15,10 @@ ItemDelegate {
     required property string subtitle
     required property string relativeDate
     required property string symbolName
+    required property string callType
+    required property bool hasContact
+    required property string contactInitials
+    required property string contactPhoto
 
     objectName: "recent-" + index
     height: 58
@@ -24,12 +28,15 @@ ItemDelegate {
 
     contentItem: RowLayout {
         spacing: 12
-        Rectangle {
-            Layout.preferredWidth: 38
-            Layout.preferredHeight: 38
-            radius: 19
-            color: cell.palette.highlight
-            SymbolIcon { anchors.centerIn: parent; name: cell.symbolName; size: 20; color: cell.palette.highlightedText }
+        AvatarImageView {
+            objectName: "recentAvatar"
+            size: 38
+            callType: cell.callType
+            rowKind: cell.rowKind
+            symbolName: cell.symbolName
+            hasContact: cell.hasContact
+            initials: cell.contactInitials
+            photo: cell.contactPhoto
         }
         ColumnLayout {
             Layout.fillWidth: true

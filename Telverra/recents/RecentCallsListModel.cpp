@@ -1,29 +1,30 @@
 #include "RecentCallsListModel.h"
 
-#include "app/HomeWindowViewModel.h"
 #include "calls/CallTypes.h"
+#include "contacts/ContactsDataService.h"
+#include "contacts/ContactsListModel.h"
 #include "recents/RecentCallItemViewModel.h"
 
-RecentCallsListModel::RecentCallsListModel(HomeWindowViewModel &viewModel, QObject *parent)
-    : QAbstractListModel(parent)
-    , m_viewModel(viewModel)
+RecentCallsListModel::RecentCallsListModel(const ContactsDataService &contacts, QObject *parent)
+    : KeyedListModel(parent)
+    , m_contacts(contacts)
 {
-    connect(&viewModel, &HomeWindowViewModel::allRecentCallsChanged, this, &RecentCallsListModel::rebuild);
-    connect(&viewModel, &HomeWindowViewModel::searchTextForRecentsChanged, this, &RecentCallsListModel::rebuild);
-    connect(&viewModel, &HomeWindowViewModel::allContactsChanged, this, &RecentCallsListModel::rebuild);
-    rebuild();
+    // Another address book may name other people: the rows' names and avatars are read again.
+    connect(&contacts, &ContactsDataService::allContactsChanged, this, [this] {
+        if (!m_rows.isEmpty()) {
+            Q_EMIT dataChanged(index(0), index(count() - 1),
+                               {titleRole, hasContactRole, contactInitialsRole, contactPhotoRole});
+        }
+    });
 }
 
-void RecentCallsListModel::rebuild()
+void RecentCallsListModel::setRecords(const QList<RecentCallEntityPtr> &records)
 {
-    beginResetModel();
-    m_rows = m_viewModel.filteredRecentCalls();
-    m_names.clear();
-    for (const Contact &contact : m_viewModel.allContacts()) {
-        m_names.insert(contact.id(), contact.fullName());
+    const int before = count();
+    replaceRows(m_rows, records, [](const RecentCallEntityPtr &record) { return record.get(); });
+    if (count() != before) {
+        Q_EMIT countChanged();
     }
-    endResetModel();
-    Q_EMIT countChanged();
 }
 
 int RecentCallsListModel::rowCount(const QModelIndex &parent) const
@@ -45,6 +46,11 @@ QVariant RecentCallsListModel::data(const QModelIndex &index, int role) const
     const QString storedType = recent->callType();
     const std::optional<CallTypes> type = callTypesFromRawValue(storedType);
     const RecentCallItemViewModel::RowKind kind = RecentCallItemViewModel::rowKind(storedType);
+    // The person of a personal kind, found by the record's contact identifier.
+    auto person = [&] {
+        return kind == RecentCallItemViewModel::RowKind::personal ? m_contacts.record(recent->contactID())
+                                                                  : SharedVCardContact();
+    };
     switch (role) {
     case destinationValueRole:
         return recent->destinationValue();
@@ -59,7 +65,8 @@ QVariant RecentCallsListModel::data(const QModelIndex &index, int role) const
     case titleRole:
         if (kind == RecentCallItemViewModel::RowKind::personal) {
             // Nobody in the address book with that identifier: the number or address is the title.
-            const QString name = m_names.value(recent->contactID());
+            const SharedVCardContact contact = person();
+            const QString name = contact ? ContactsListModel::displayName(*contact) : QString();
             return name.isEmpty() ? recent->destinationValue() : name;
         }
         return kind == RecentCallItemViewModel::RowKind::meeting ? recent->destinationValue() : QString();
@@ -73,6 +80,16 @@ QVariant RecentCallsListModel::data(const QModelIndex &index, int role) const
                                                          QLocale::system());
     case iconRole:
         return type ? icon(*type) : QStringLiteral("minus.circle.fill");
+    case hasContactRole:
+        return bool(person());
+    case contactInitialsRole: {
+        const SharedVCardContact contact = person();
+        return contact ? ContactsListModel::initials(*contact) : QString();
+    }
+    case contactPhotoRole: {
+        const SharedVCardContact contact = person();
+        return contact ? ContactsListModel::photoSource(contact) : QString();
+    }
     default:
         return {};
     }
@@ -87,5 +104,8 @@ QHash<int, QByteArray> RecentCallsListModel::roleNames() const
             {titleRole, "title"},
             {subtitleRole, "subtitle"},
             {relativeDateRole, "relativeDate"},
-            {iconRole, "symbolName"}};
+            {iconRole, "symbolName"},
+            {hasContactRole, "hasContact"},
+            {contactInitialsRole, "contactInitials"},
+            {contactPhotoRole, "contactPhoto"}};
 }

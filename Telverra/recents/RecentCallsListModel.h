@@ -1,15 +1,14 @@
 #pragma once
 
+#include "common/KeyedListModel.h"
 #include "store/Entities.h"
 
-#include <QAbstractListModel>
-#include <QHash>
+class ContactsDataService;
 
-class HomeWindowViewModel;
-
-/// The history as the Recents screen shows it: the view model's filtered list, one row per record with the texts the
-/// row shows. Rebuilt whenever the history, the search text or the address book changes.
-class RecentCallsListModel : public QAbstractListModel
+/// The history as the Recents screen shows it, one row per record with the texts the row shows. The view model hands
+/// it the filtered history; a new call, a removed record or a narrowed search moves only the rows concerned. Names and
+/// avatars come from the address book as last read, and follow it.
+class RecentCallsListModel : public KeyedListModel
 {
     Q_OBJECT
     Q_PROPERTY(int count READ count NOTIFY countChanged)
@@ -24,9 +23,15 @@ public:
         subtitleRole,
         relativeDateRole,
         iconRole,
+        hasContactRole, // the record's contact is in the address book: its avatar is shown
+        contactInitialsRole,
+        contactPhotoRole,
     };
 
-    explicit RecentCallsListModel(HomeWindowViewModel &viewModel, QObject *parent = nullptr);
+    explicit RecentCallsListModel(const ContactsDataService &contacts, QObject *parent = nullptr);
+
+    /// The records to show, newest first.
+    void setRecords(const QList<RecentCallEntityPtr> &records);
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     QVariant data(const QModelIndex &index, int role) const override;
@@ -39,9 +44,6 @@ Q_SIGNALS:
     void countChanged();
 
 private:
-    void rebuild();
-
-    HomeWindowViewModel &m_viewModel;
+    const ContactsDataService &m_contacts;
     QList<RecentCallEntityPtr> m_rows;
-    QHash<QString, QString> m_names; // contact identifier → full name
 };

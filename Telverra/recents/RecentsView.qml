@@ -30,7 +30,7 @@ Item {
             }
             Label {
                 objectName: "recentsCount"
-                text: list.count + " entries"
+                text: recentsView.viewModel.recentCallsModel.count + " entries"
                 color: recentsView.palette.placeholderText
             }
             ToolButton {

@@ -5,7 +5,9 @@
 #include "calls/BrowserTabSource.h"
 #include "calls/CallsManager.h"
 #include "calls/Clipboard.h"
+#include "contacts/ContactPhotoProvider.h"
 #include "contacts/ContactStoreManager.h"
+#include "contacts/ContactsDataService.h"
 #include "contacts/VCardDirectoryStore.h"
 #include "favorites/FavoritesDataService.h"
 #include "settings/DeploymentSettings.h"
@@ -87,6 +89,10 @@ public Q_SLOTS:
         }
         engine->addImportPath(u"qrc:/qt/qml"_qs);
         engine->addImageProvider(u"symbols"_qs, new SymbolIconProvider);
+        const ContactsDataService *contacts = &m_viewModel->contactsDataService();
+        engine->addImageProvider(u"contactphoto"_qs, new ContactPhotoProvider([contacts](const QString &id) {
+                                     return contacts->record(id);
+                                 }));
         engine->rootContext()->setContextProperty(u"viewModel"_qs, m_viewModel.get());
         engine->rootContext()->setContextProperty(u"testSupport"_qs, &m_support);
     }
