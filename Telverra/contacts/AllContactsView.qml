@@ -46,10 +46,8 @@ FocusScope {
     }
     onVisibleChanged: if (visible) { screen.appeared(); showPermissionAlert() }
     Component.onCompleted: if (visible) { screen.appeared(); showPermissionAlert() }
-    Connections {
-        target: view.viewModel
-        function onContactsPermissionErrorChanged() { if (view.visible) view.showPermissionAlert() }
-    }
+    readonly property string permissionError: viewModel.contactsPermissionErrorDescription
+    onPermissionErrorChanged: if (visible) showPermissionAlert()
     Shortcut {
         sequence: StandardKey.Find
         enabled: view.visible

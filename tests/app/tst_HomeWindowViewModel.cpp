@@ -3,6 +3,7 @@
 #include "calls/CallsManager.h"
 #include "calls/Clipboard.h"
 #include "common/Trace.h"
+#include "contacts/ContactFiling.h"
 #include "contacts/ContactStoreManager.h"
 #include "contacts/ContactsDataService.h"
 #include "contacts/VCardDirectoryStore.h"
@@ -249,6 +250,19 @@ void tst_HomeWindowViewModel::contactsForIndexLetter()
         make(u"Álvarez"_qs, u"Luis"_qs, {}), make(u"alba"_qs, u"Rosa"_qs, {}), make({}, {}, u"3M"_qs),
         make(u"-dash"_qs, {}, {}),           make(u"_under"_qs, {}, {}),       make({}, {}, {})};
     QCOMPARE(names(HomeWindowViewModel::contactsForIndexLetter(letter, list)), filed);
+    // The screen's sections, made in one pass over the list, hold the same contacts.
+    QList<SharedVCardContact> records;
+    for (const Contact &contact : list) {
+        records.append(contact.record());
+    }
+    const ContactFiling::Sections sections = ContactFiling::sections(records);
+    if (const qsizetype section = sections.letters.indexOf(letter); section >= 0) {
+        QList<Contact> listed;
+        for (qsizetype position : sections.members[section]) {
+            listed.append(list[position]);
+        }
+        QCOMPARE(names(listed), filed);
+    }
 }
 
 void tst_HomeWindowViewModel::favoriteContactsResolvedAgainstAddressBook()

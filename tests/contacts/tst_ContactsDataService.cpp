@@ -62,6 +62,8 @@ private Q_SLOTS:
     void cleanup();
 
     void rootsAndContainers();
+    void aFolderReachedTwiceIsOneContainer_data();
+    void aFolderReachedTwiceIsOneContainer();
     void whichFilesOfABookAreRead();
     void aLargeBookKeepsNameOrder();
     void authorization();
@@ -121,6 +123,37 @@ void tst_ContactsDataService::rootsAndContainers()
     const auto phone = store.unifiedContacts(containers.containers.at(2).identifier);
     QCOMPARE(phone.contacts.size(), 1); // the .tmp file is not read
     QCOMPARE(phone.contacts.at(0)->familyName, u"Phone"_qs);
+}
+
+void tst_ContactsDataService::aFolderReachedTwiceIsOneContainer_data()
+{
+    QTest::addColumn<QByteArray>("khardPath"); // the book khard's configuration names
+    QTest::addColumn<QString>("link");         // a link made in the contacts folder to the book, when not empty
+    QTest::newRow("khard's book lies in the contacts folder")
+        << QByteArray("~/.local/share/contacts/people") << QString();
+    QTest::newRow("written another way") << QByteArray("$HOME/.local/share/contacts//people/") << QString();
+    QTest::newRow("a link to khard's book") << QByteArray("~/books/people") << u"people"_qs;
+}
+
+void tst_ContactsDataService::aFolderReachedTwiceIsOneContainer()
+{
+    QFETCH(QByteArray, khardPath);
+    QFETCH(QString, link);
+    m_home->writeFile(u".config/khard/khard.conf"_qs, "[addressbooks]\n[[people]]\npath = " + khardPath + '\n');
+    const QString book = link.isEmpty() ? QString(m_root + u"/people") : QString(m_home->path() + u"/books/people");
+    QVERIFY(QDir().mkpath(book));
+    m_home->writeFile(QDir(m_home->path()).relativeFilePath(book) + u"/ana.vcf",
+                      card(u"García"_qs, u"Ana"_qs, u"1"_qs));
+    if (!link.isEmpty()) {
+        QVERIFY(QDir().mkpath(m_root));
+        QVERIFY(QFile::link(book, m_root + u'/' + link));
+    }
+    VCardDirectoryStore store;
+    QCOMPARE(store.containers().containers.size(), 1);
+    ContactStoreManager manager(store);
+    ContactsDataService service(&manager);
+    QTRY_VERIFY(service.hasLoaded());
+    QCOMPARE(familyNames(service.allContacts()), QStringList{u"García"_qs});
 }
 
 void tst_ContactsDataService::whichFilesOfABookAreRead()

@@ -5,6 +5,7 @@
 #include "calls/BrowserTabSource.h"
 #include "calls/CallsManager.h"
 #include "calls/Clipboard.h"
+#include "common/Trace.h"
 #include "contacts/ContactPhotoProvider.h"
 #include "contacts/ContactStoreManager.h"
 #include "contacts/ContactsDataService.h"
@@ -64,6 +65,20 @@ public:
     {
         QTest::keyClick(window, static_cast<Qt::Key>(key), Qt::KeyboardModifiers(modifiers));
     }
+    /// A preference, by key name (the settings window writes them the same way).
+    Q_INVOKABLE void setPreference(const QString &name, bool value)
+    {
+        if (preferences) {
+            preferences->setBoolValue(name, value);
+        }
+    }
+    Q_INVOKABLE int favoriteContactCount(const QString &contactID) const
+    {
+        return viewModel ? int(viewModel->favoritesDataService().favoriteContacts(contactID).size()) : 0;
+    }
+    /// The program's trace lines from now on (until the next call).
+    Q_INVOKABLE void captureTrace() { capture.emplace(); }
+    Q_INVOKABLE QStringList traceLines() const { return capture ? capture->lines() : QStringList(); }
     Q_INVOKABLE int favoriteTelcoCount() const
     {
         if (!viewModel) {
@@ -75,6 +90,8 @@ public:
 
     RecordingWorkspace *workspace = nullptr;
     HomeWindowViewModel *viewModel = nullptr;
+    Preferences *preferences = nullptr;
+    std::optional<Trace::Capture> capture;
 };
 
 class Setup : public QObject
@@ -101,7 +118,11 @@ private:
     void makeEnvironment()
     {
         m_home.writeFile(u".local/share/contacts/people/people.vcf"_qs,
-                         "BEGIN:VCARD\nUID:ana\nN:García;Ana;;;\nTEL;TYPE=CELL:+34 600 111 222\nEND:VCARD\n");
+                         "BEGIN:VCARD\nUID:ana\nN:García;Ana;;;\nTEL;TYPE=CELL:+34 600 111 222\nEND:VCARD\n"
+                         "BEGIN:VCARD\nUID:bob\nN:Smith;Bob;;;\nTEL;TYPE=WORK:+1 555 0100\n"
+                         "TEL;TYPE=HOME:+1 555 0101\nEND:VCARD\n"
+                         "BEGIN:VCARD\nUID:dee\nN:-Dash;Dee;;;\nEMAIL:dee@example.org\nEND:VCARD\n"
+                         "BEGIN:VCARD\nUID:3m\nORG:3M\nEND:VCARD\n");
         QVERIFY(m_server.listen());
         QFile onecall(QStringLiteral(TELVERRA_TEST_DATA "/onecall.json"));
         QVERIFY(onecall.open(QIODevice::ReadOnly));
@@ -123,6 +144,7 @@ private:
                                              &m_clipboard, &m_network, m_deployment.get(), &m_location, &m_geocoder});
         m_support.workspace = &m_workspace;
         m_support.viewModel = m_viewModel.get();
+        m_support.preferences = m_preferences.get();
     }
 
     TestHome m_home;
