@@ -89,9 +89,22 @@ VCardDirectoryStore::VCardDirectoryStore(const QStringList &roots, QObject *pare
     m_debounce.setSingleShot(true);
     m_debounce.setInterval(debounceMilliseconds);
     connect(&m_debounce, &QTimer::timeout, this, &VCardDirectoryStore::settle);
-    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, &m_debounce, qOverload<>(&QTimer::start));
-    connect(&m_watcher, &QFileSystemWatcher::fileChanged, &m_debounce, qOverload<>(&QTimer::start));
+    m_watcher = new QFileSystemWatcher;
+    m_watcher->moveToThread(&m_watchThread);
+    connect(m_watcher, &QFileSystemWatcher::directoryChanged, &m_debounce, qOverload<>(&QTimer::start));
+    connect(m_watcher, &QFileSystemWatcher::fileChanged, &m_debounce, qOverload<>(&QTimer::start));
+    m_watchThread.setObjectName(QStringLiteral("address book watcher"));
+    m_watchThread.start();
     watch();
+}
+
+VCardDirectoryStore::~VCardDirectoryStore()
+{
+    // The watcher goes in its own thread, before the thread ends.
+    QMetaObject::invokeMethod(
+        m_watcher, [watcher = m_watcher] { delete watcher; }, Qt::BlockingQueuedConnection);
+    m_watchThread.quit();
+    m_watchThread.wait();
 }
 
 QStringList VCardDirectoryStore::defaultRoots()
@@ -342,45 +355,55 @@ ContactStore::ContactResult VCardDirectoryStore::unifiedContact(const QString &i
 
 void VCardDirectoryStore::watch()
 {
-    if (!m_watcher.directories().isEmpty()) {
-        m_watcher.removePaths(m_watcher.directories());
-    }
-    if (!m_watcher.files().isEmpty()) {
-        m_watcher.removePaths(m_watcher.files());
-    }
-    QStringList paths;
-    for (const Root &root : std::as_const(m_roots)) {
-        // The parent too, so that a root made later is noticed.
-        const QString parent = QFileInfo(root.path).absolutePath();
-        if (QFileInfo(parent).isDir()) {
-            paths.append(parent);
-        }
-    }
-    const ContainersResult all = containers();
-    for (const Root &root : std::as_const(m_roots)) {
-        if (QFileInfo(root.path).isDir()) {
-            paths.append(root.path);
-        }
-    }
-    QStringList files;
-    for (const Container &container : all.containers) {
-        paths.append(container.identifier);
-        if (files.size() <= maximumWatchedFiles) {
-            for (const QByteArray &name : vcardFileNames(container.identifier, maximumWatchedFiles + 1)) {
-                files.append(container.identifier + u'/' + QFile::decodeName(name));
+    QMetaObject::invokeMethod(m_watcher, [this] {
+        QStringList paths;
+        for (const Root &root : std::as_const(m_roots)) {
+            // The parent too, so that a root made later is noticed.
+            const QString parent = QFileInfo(root.path).absolutePath();
+            if (QFileInfo(parent).isDir()) {
+                paths.append(parent);
             }
         }
-    }
-    // A file edited in place only shows on the file itself. Watching each file is worth it for a personal address
-    // book; for large ones (synced folders, which replace files by renaming) the folders are enough, and adding
-    // many paths to QFileSystemWatcher costs quadratic time.
-    if (files.size() <= maximumWatchedFiles) {
-        paths += files;
-    }
-    paths.removeDuplicates();
-    if (!paths.isEmpty()) {
-        m_watcher.addPaths(paths);
-    }
+        const ContainersResult all = containers();
+        for (const Root &root : std::as_const(m_roots)) {
+            if (QFileInfo(root.path).isDir()) {
+                paths.append(root.path);
+            }
+        }
+        QStringList files;
+        for (const Container &container : all.containers) {
+            paths.append(container.identifier);
+            if (files.size() <= maximumWatchedFiles) {
+                for (const QByteArray &name : vcardFileNames(container.identifier, maximumWatchedFiles + 1)) {
+                    files.append(container.identifier + u'/' + QFile::decodeName(name));
+                }
+            }
+        }
+        // A file edited in place only shows on the file itself. Watching each file is worth it for a personal address
+        // book; for large ones (synced folders, which replace files by renaming) the folders are enough, and adding
+        // many paths to QFileSystemWatcher costs quadratic time.
+        if (files.size() <= maximumWatchedFiles) {
+            paths += files;
+        }
+        // Only what changed, so that a path watched before stays watched throughout.
+        const QStringList watchedList = m_watcher->directories() + m_watcher->files();
+        const QSet<QString> watched(watchedList.cbegin(), watchedList.cend());
+        const QSet<QString> wanted(paths.cbegin(), paths.cend());
+        const QSet<QString> gone = watched - wanted;
+        const QSet<QString> added = wanted - watched;
+        if (!gone.isEmpty()) {
+            m_watcher->removePaths(QStringList(gone.cbegin(), gone.cend()));
+        }
+        if (!added.isEmpty()) {
+            m_watcher->addPaths(QStringList(added.cbegin(), added.cend()));
+        }
+        m_watching.storeRelease(1);
+    });
+}
+
+bool VCardDirectoryStore::isWatching() const
+{
+    return m_watching.loadAcquire() != 0;
 }
 
 void VCardDirectoryStore::settle()

@@ -6,6 +6,7 @@
 #include <QFileSystemWatcher>
 #include <QHash>
 #include <QMutex>
+#include <QThread>
 #include <QTimer>
 
 #include <limits>
@@ -30,11 +31,15 @@ public:
 
     /// `roots` empty: the desktop's address books (defaultRoots()).
     explicit VCardDirectoryStore(const QStringList &roots = {}, QObject *parent = nullptr);
+    ~VCardDirectoryStore() override;
 
     /// khard's books (marked as containers themselves), then the XDG folders.
     static QStringList defaultRoots();
     /// $XDG_DATA_HOME/contacts: where requestAccess() makes an address book when none exists.
     static QString defaultRoot();
+
+    /// Whether the folders are watched yet (the watches are set up on another thread after construction).
+    bool isWatching() const;
 
     AuthorizationStatus authorizationStatus() const override;
     void requestAccess(const std::function<void(bool, const QString &)> &completion) override;
@@ -48,6 +53,8 @@ private:
         QString path;
         bool isBook = false; // khard's books are address books themselves, not folders of them
     };
+    /// Watches the roots, the books and (for a small address book) every file, from a thread of its own: adding many
+    /// watches costs the time of a frame or two.
     void watch();
     void settle();
     /// The names of the vCard files of the folder open as `directory`, in byte order, at most `limit` of them.
@@ -56,7 +63,9 @@ private:
                                             qsizetype limit = std::numeric_limits<qsizetype>::max());
 
     QList<Root> m_roots;
-    QFileSystemWatcher m_watcher;
+    QThread m_watchThread;
+    QFileSystemWatcher *m_watcher; // lives in m_watchThread
+    QAtomicInt m_watching;
     QTimer m_debounce;
     // Each book's contacts by identifier (the first of duplicates), as last read; all dropped on every change.
     QMutex m_booksMutex;

@@ -304,6 +304,7 @@ void tst_ContactsDataService::refetchOnChange()
     ContactStoreManager manager(store);
     ContactsDataService service(&manager);
     QTRY_COMPARE(service.allContacts().size(), 1);
+    QTRY_VERIFY(store.isWatching());
 
     // Written the way sync tools write: a temporary file, then renamed into place.
     m_home->writeFile(u".local/share/contacts/b/2.vcf.tmp"_qs, card(u"Second"_qs, u"B"_qs, u"2"_qs));
