@@ -9,6 +9,7 @@
 #include "contacts/ContactStoreManager.h"
 #include "contacts/ContactsDataService.h"
 #include "contacts/ContactsListModel.h"
+#include "favorites/FavoriteTelcosListModel.h"
 #include "favorites/FavoritesDataService.h"
 #include "recents/RecentCallsDataService.h"
 #include "recents/RecentCallsListModel.h"
@@ -120,6 +121,14 @@ HomeWindowViewModel::HomeWindowViewModel(const Environment &environment, QObject
         connect(this, changed, this, &HomeWindowViewModel::showContacts);
     }
     showContacts();
+    m_favoriteContactsModel = std::make_unique<ContactsListModel>(*m_preferences, false);
+    m_favoriteTelcosModel = std::make_unique<FavoriteTelcosListModel>(*m_favoritesDataService);
+    auto showFavoriteContacts = [this] { m_favoriteContactsModel->setContacts(m_allFavoriteContacts); };
+    auto showFavoriteTelcos = [this] { m_favoriteTelcosModel->setRecords(m_allFavoriteTelcos); };
+    connect(this, &HomeWindowViewModel::allFavoriteContactsChanged, this, showFavoriteContacts);
+    connect(this, &HomeWindowViewModel::allFavoriteTelcosChanged, this, showFavoriteTelcos);
+    showFavoriteContacts();
+    showFavoriteTelcos();
     if (!environment.headless) {
         startWeatherTimer();
     }
@@ -575,18 +584,21 @@ void HomeWindowViewModel::makeCallFromDialer()
 
 void HomeWindowViewModel::makeCallFromClipboard()
 {
-    const std::optional<QString> text = m_clipboard->plainText();
-    if (!text) {
-        return;
+    if (const std::optional<QString> text = m_clipboard->plainText()) {
+        makeCallFromText(*text);
     }
-    Trace::line(u"make call button pressed with: " + *text);
-    const bool valid = m_dialer.validate(*text);
+}
+
+void HomeWindowViewModel::makeCallFromText(const QString &text)
+{
+    Trace::line(u"make call button pressed with: " + text);
+    const bool valid = m_dialer.validate(text);
     Q_EMIT dialerChanged();
     if (valid) {
         handlePhoneCallResult(m_callsManager->makePhoneCall(m_dialer.display));
         return;
     }
-    openTelcoURL(ClipboardText::meetingAddress(*text));
+    openTelcoURL(ClipboardText::meetingAddress(text));
 }
 
 void HomeWindowViewModel::startMeetingInBrowser(CallTypes type)
@@ -697,6 +709,17 @@ QString HomeWindowViewModel::contactsPermissionErrorDescription() const
     return m_contactsPermissionError ? m_contactsPermissionError->description() : QString();
 }
 
+void HomeWindowViewModel::moveFavoriteTelco(int from, int to)
+{
+    if (from == to || from < 0 || to < 0 || from >= m_allFavoriteTelcos.size() || to >= m_allFavoriteTelcos.size()) {
+        return;
+    }
+    QList<FavoriteTelcoEntityPtr> telcos = m_allFavoriteTelcos;
+    telcos.move(from, to);
+    setAllFavoriteTelcos(telcos);
+    saveFavoriteTelcosOrder();
+}
+
 void HomeWindowViewModel::saveFavoriteTelcosOrder()
 {
     qint32 position = 0;
@@ -781,6 +804,21 @@ QObject *HomeWindowViewModel::recentCallsModel() const
 QObject *HomeWindowViewModel::contactsModel() const
 {
     return m_contactsModel.get();
+}
+
+QObject *HomeWindowViewModel::favoriteContactsModel() const
+{
+    return m_favoriteContactsModel.get();
+}
+
+QObject *HomeWindowViewModel::favoriteTelcosModel() const
+{
+    return m_favoriteTelcosModel.get();
+}
+
+QObject *HomeWindowViewModel::favoritesDataServiceObject() const
+{
+    return m_favoritesDataService.get();
 }
 
 QObject *HomeWindowViewModel::contactsDataServiceObject() const

@@ -34,6 +34,7 @@ class Preferences;
 class RecentCallsDataService;
 class RecentCallsListModel;
 class ContactsListModel;
+class FavoriteTelcosListModel;
 
 /// The one application object: the whole state the screens show, the services that fill it, and every operation
 /// the screens and the command line call.
@@ -65,6 +66,11 @@ class HomeWindowViewModel : public QObject
     Q_PROPERTY(QString languageLocale READ languageLocale CONSTANT)
     Q_PROPERTY(QObject *recentCallsModel READ recentCallsModel CONSTANT)
     Q_PROPERTY(QObject *contactsModel READ contactsModel CONSTANT)
+    Q_PROPERTY(QObject *favoriteContactsModel READ favoriteContactsModel CONSTANT)
+    Q_PROPERTY(QObject *favoriteTelcosModel READ favoriteTelcosModel CONSTANT)
+    Q_PROPERTY(QObject *favoritesDataService READ favoritesDataServiceObject CONSTANT)
+    Q_PROPERTY(QVariant selectedFavoriteTelco READ selectedFavoriteTelcoValue WRITE setSelectedFavoriteTelcoValue NOTIFY
+                   selectedFavoriteTelcoChanged)
     Q_PROPERTY(QObject *contactsDataService READ contactsDataServiceObject CONSTANT)
     Q_PROPERTY(QString contactsPermissionErrorDescription READ contactsPermissionErrorDescription NOTIFY
                    contactsPermissionErrorChanged)
@@ -151,6 +157,13 @@ public:
     const QList<FavoriteActionEntityPtr> &allFavoriteActions() const { return m_allFavoriteActions; }
     const FavoriteTelcoEntityPtr &selectedFavoriteTelco() const { return m_selectedFavoriteTelco; }
     void setSelectedFavoriteTelco(const FavoriteTelcoEntityPtr &telco);
+    QVariant selectedFavoriteTelcoValue() const { return QVariant::fromValue(m_selectedFavoriteTelco); }
+    void setSelectedFavoriteTelcoValue(const QVariant &telco)
+    {
+        setSelectedFavoriteTelco(telco.value<FavoriteTelcoEntityPtr>());
+    }
+    /// The user moved a saved link in the list: the new order is kept (saveFavoriteTelcosOrder).
+    Q_INVOKABLE void moveFavoriteTelco(int from, int to);
 
     const QList<Contact> &allContacts() const { return m_allContacts; }
     const QList<Contact> &filteredContacts() const { return m_filteredContacts; }
@@ -200,6 +213,9 @@ public:
     // The call operations.
     Q_INVOKABLE void makeCallFromDialer();
     Q_INVOKABLE void makeCallFromClipboard();
+    /// What the clipboard call does with its text, for a text given: a number is called, anything else opened as a
+    /// meeting address (a saved link's double click).
+    Q_INVOKABLE void makeCallFromText(const QString &text);
     void startMeetingInBrowser(CallTypes type);
     Q_INVOKABLE void startNewGoogleMeet() { startMeetingInBrowser(CallTypes::googleMeetNew); }
     void sendContactAction(const Contact &contact, const QString &destinationTag, CallTypes type);
@@ -219,6 +235,9 @@ public:
     // The Recents screen: its rows and their actions, by row of the filtered list.
     QObject *recentCallsModel() const;
     QObject *contactsModel() const;
+    QObject *favoriteContactsModel() const;
+    QObject *favoriteTelcosModel() const;
+    QObject *favoritesDataServiceObject() const;
     QObject *contactsDataServiceObject() const;
     /// Double click: calls the destination again (a stored type that is no known kind is called as a number).
     Q_INVOKABLE void recallRecentAt(int row);
@@ -334,6 +353,8 @@ private:
 
     std::unique_ptr<RecentCallsListModel> m_recentCallsModel;
     std::unique_ptr<ContactsListModel> m_contactsModel;
+    std::unique_ptr<ContactsListModel> m_favoriteContactsModel;
+    std::unique_ptr<FavoriteTelcosListModel> m_favoriteTelcosModel;
     QTimer m_searchDebounce;
     quint64 m_filterGeneration = 0;
     // Made by the first search over a contacts list, in the background, and kept until the list changes.

@@ -145,9 +145,7 @@ ApplicationWindow {
     }
     Component {
         id: favoritesSection
-        SectionPlaceholder {
-            title: "Favorites"; symbol: "heart.fill"; text: "Favourite contacts and meeting links will be listed here."
-        }
+        FavoritesView { viewModel: window.viewModel }
     }
     Component {
         id: contactsSection

@@ -7,8 +7,8 @@
 
 /// A list model whose rows carry a key that says which row is which across updates. A new list is applied as the
 /// removal and insertion of the rows that changed when the rows both lists share stand in the same order in both (a
-/// narrowed search, a call added to the history, a row removed), so that views keep their place, their selection and
-/// their delegates; otherwise, or when most rows change, as a reset.
+/// narrowed search, a call added to the history, a row removed), or as a move when one row moved, so that views keep
+/// their place, their selection and their delegates; otherwise, or when most rows change, as a reset.
 class KeyedListModel : public QAbstractListModel
 {
 public:
@@ -18,7 +18,47 @@ protected:
     /// Replaces `rows` by `next`; `key(row)` identifies a row, and no two rows of a list share a key.
     template<class Row, class KeyOf>
     void replaceRows(QList<Row> &rows, QList<Row> next, KeyOf key);
+
+private:
+    // When `next` is `rows` with one row taken out and put back elsewhere, makes that move and says so.
+    template<class Row, class KeyOf>
+    bool moveOneRow(QList<Row> &rows, const QList<Row> &next, KeyOf key);
 };
+
+template<class Row, class KeyOf>
+bool KeyedListModel::moveOneRow(QList<Row> &rows, const QList<Row> &next, KeyOf key)
+{
+    qsizetype first = 0;
+    while (first < rows.size() && key(rows[first]) == key(next[first])) {
+        ++first;
+    }
+    qsizetype last = rows.size() - 1;
+    while (last > first && key(rows[last]) == key(next[last])) {
+        --last;
+    }
+    // Moved down: rows[first] now stands at `last`, the rows between moved up by one; or the other way round.
+    auto shifted = [&](qsizetype from, qsizetype to, qsizetype by) {
+        for (qsizetype i = from; i <= to; ++i) {
+            if (key(rows[i]) != key(next[i + by])) {
+                return false;
+            }
+        }
+        return true;
+    };
+    if (key(rows[first]) == key(next[last]) && shifted(first + 1, last, -1)) {
+        beginMoveRows({}, int(first), int(first), {}, int(last + 1));
+        rows.move(first, last);
+        endMoveRows();
+        return true;
+    }
+    if (key(rows[last]) == key(next[first]) && shifted(first, last - 1, 1)) {
+        beginMoveRows({}, int(last), int(last), {}, int(first));
+        rows.move(last, first);
+        endMoveRows();
+        return true;
+    }
+    return false;
+}
 
 template<class Row, class KeyOf>
 void KeyedListModel::replaceRows(QList<Row> &rows, QList<Row> next, KeyOf key)
@@ -52,6 +92,9 @@ void KeyedListModel::replaceRows(QList<Row> &rows, QList<Row> next, KeyOf key)
         }
         ++i;
         ++shared;
+    }
+    if (!sameOrder && rows.size() == next.size() && oldKeys == newKeys && moveOneRow(rows, next, key)) {
+        return;
     }
     const qsizetype changed = (rows.size() - shared) + (next.size() - shared);
     if (!sameOrder || (changed > 64 && changed > shared)) {

@@ -131,7 +131,8 @@ ItemDelegate {
                         contentItem: SymbolIcon {
                             name: cell.actionSymbols[action.modelData]
                             size: 20
-                            color: action.modelData === "facetime-audio" ? "#2e9d4f" : cell.palette.highlight
+                            color: cell.highlighted ? cell.palette.highlightedText
+                                   : action.modelData === "facetime-audio" ? "#2e9d4f" : cell.palette.highlight
                             opacity: action.available ? (action.pressed ? 0.6 : 1) : 0.3
                         }
                         background: Rectangle {

@@ -7,9 +7,10 @@
 #include <QUrl>
 #include <QtConcurrent>
 
-ContactsListModel::ContactsListModel(Preferences &preferences, QObject *parent)
+ContactsListModel::ContactsListModel(Preferences &preferences, bool lettered, QObject *parent)
     : KeyedListModel(parent)
     , m_preferences(preferences)
+    , m_lettered(lettered)
 {
     // The rows in view show a changed preference at once; the others read it when they are drawn.
     connect(&m_preferences, &Preferences::valueChanged, this, [this](const QString &name) {
@@ -19,16 +20,24 @@ ContactsListModel::ContactsListModel(Preferences &preferences, QObject *parent)
     });
 }
 
-ContactsListModel::Computed ContactsListModel::compute(const QList<SharedVCardContact> &records)
+ContactsListModel::Computed ContactsListModel::compute(const QList<SharedVCardContact> &records, bool lettered)
 {
     Computed computed;
+    if (!lettered) {
+        computed.contactCount = int(records.size());
+        QHash<const VCardContact *, qint32> seen;
+        for (const SharedVCardContact &record : records) {
+            computed.rows.append({record, 0, false, seen[record.get()]++});
+        }
+        return computed;
+    }
     const ContactFiling::Sections sections = ContactFiling::sections(records);
     computed.letters = sections.letters;
     computed.contactCount = int(records.size());
     for (qsizetype section = 0; section < sections.members.size(); ++section) {
         const bool underNumbers = sections.letters[section] == u"#";
         for (qsizetype position : sections.members[section]) {
-            computed.rows.append({records[position], qint32(section), underNumbers});
+            computed.rows.append({records[position], qint32(section), underNumbers, 0});
         }
     }
     return computed;
@@ -43,7 +52,7 @@ void ContactsListModel::setContacts(const QList<Contact> &contacts)
     }
     const quint64 generation = ++m_generation;
     if (records.size() < backgroundThreshold) {
-        apply(compute(records));
+        apply(compute(records, m_lettered));
         return;
     }
     auto *watcher = new QFutureWatcher<Computed>(this);
@@ -53,7 +62,7 @@ void ContactsListModel::setContacts(const QList<Contact> &contacts)
             apply(watcher->result());
         }
     });
-    watcher->setFuture(QtConcurrent::run(&ContactsListModel::compute, std::move(records)));
+    watcher->setFuture(QtConcurrent::run(&ContactsListModel::compute, std::move(records), m_lettered));
 }
 
 void ContactsListModel::apply(Computed computed)
@@ -62,8 +71,9 @@ void ContactsListModel::apply(Computed computed)
     // new numbers as they are replaced.
     const bool lettersChange = computed.letters != m_letters;
     m_letters = std::move(computed.letters);
-    replaceRows(m_rows, std::move(computed.rows),
-                [](const Row &row) { return (quintptr(row.record.get()) << 1) | quintptr(row.underNumbers ? 1 : 0); });
+    replaceRows(m_rows, std::move(computed.rows), [](const Row &row) {
+        return std::pair(quintptr(row.record.get()), row.underNumbers ? -1 : row.occurrence);
+    });
     if (lettersChange) {
         if (!m_rows.isEmpty()) {
             Q_EMIT dataChanged(index(0), index(int(m_rows.size() - 1)), {letterRole});

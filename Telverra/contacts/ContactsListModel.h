@@ -38,7 +38,8 @@ public:
     /// Lists of this many contacts or more have their sections made on another thread.
     static constexpr qsizetype backgroundThreshold = 2000;
 
-    explicit ContactsListModel(Preferences &preferences, QObject *parent = nullptr);
+    /// `lettered` false: one row per contact, in list order, without sections (the favourite contacts).
+    explicit ContactsListModel(Preferences &preferences, bool lettered = true, QObject *parent = nullptr);
 
     /// The list to show, in its order.
     void setContacts(const QList<Contact> &contacts);
@@ -71,6 +72,7 @@ private:
         SharedVCardContact record;
         qint32 section = 0;
         bool underNumbers = false; // in the "#" section: a contact is listed at most there and under its own letter
+        qint32 occurrence = 0;     // in a plain list, the same contact's first, second, … row
     };
     struct Computed
     {
@@ -78,11 +80,12 @@ private:
         QStringList letters;
         int contactCount = 0;
     };
-    static Computed compute(const QList<SharedVCardContact> &records);
+    static Computed compute(const QList<SharedVCardContact> &records, bool lettered);
     void apply(Computed computed);
     QVariantList quickActions() const;
 
     Preferences &m_preferences;
+    bool m_lettered;
     QList<Row> m_rows;
     QStringList m_letters;
     int m_contactCount = 0;

@@ -106,6 +106,16 @@ void FavoritesDataService::deleteAllFavoriteContacts()
     deleteEach(QList(m_savedFavoriteContacts));
 }
 
+void FavoritesDataService::updateFavoriteTelco(const FavoriteTelcoEntityPtr &telco, const QString &name,
+                                               const QString &value)
+{
+    if (telco) {
+        telco->setTelcoName(name);
+        telco->setTelcoValue(value);
+    }
+    store().save();
+}
+
 void FavoritesDataService::deleteFavoriteTelco(const FavoriteTelcoEntityPtr &telco)
 {
     if (telco) {

@@ -25,18 +25,20 @@ public:
     /// Nothing fills this list: favourite actions are kept in the store's model only.
     const QList<FavoriteActionEntityPtr> &savedFavoriteActions() const { return m_savedFavoriteActions; }
 
-    void fetchFavoriteTelcos();
-    void fetchFavoriteContacts();
+    Q_INVOKABLE void fetchFavoriteTelcos();
+    Q_INVOKABLE void fetchFavoriteContacts();
     /// orderIndex is the current length of the list, so the new link sorts last when the list is fresh.
     void addFavoriteTelco(const QString &name, const QString &type, const QString &value);
     void addFavoriteContact(const QString &givenName, const QString &familyName, const QString &contactID);
     /// The stored favourite contacts with exactly this identifier; empty when the fetch fails.
     QList<FavoriteContactEntityPtr> favoriteContacts(const QString &contactID);
-    void removeFavoriteContact(const QString &contactID);
+    Q_INVOKABLE void removeFavoriteContact(const QString &contactID);
     void deleteAllFavoriteTelcos();
     void deleteAllFavoriteContacts();
     /// Deletes one saved link and saves (the favourites screen's "Remove from Favorites").
     void deleteFavoriteTelco(const FavoriteTelcoEntityPtr &telco);
+    /// A saved link's new name and address, saved; its kind and place stay as they were (the link editor).
+    void updateFavoriteTelco(const FavoriteTelcoEntityPtr &telco, const QString &name, const QString &value);
 
 Q_SIGNALS:
     void savedFavoriteTelcosChanged();

@@ -141,3 +141,6 @@ using RecentCallEntityPtr = std::shared_ptr<RecentCallEntity>;
 using FavoriteTelcoEntityPtr = std::shared_ptr<FavoriteTelcoEntity>;
 using FavoriteContactEntityPtr = std::shared_ptr<FavoriteContactEntity>;
 using FavoriteActionEntityPtr = std::shared_ptr<FavoriteActionEntity>;
+
+// Carried through QML as opaque values (a favourite link between its row and its editor).
+Q_DECLARE_METATYPE(FavoriteTelcoEntityPtr)

@@ -17,6 +17,7 @@
 #include "support/LoopbackHttpServer.h"
 #include "support/RecordingWorkspace.h"
 #include "support/ScriptedLocation.h"
+#include "support/StoreProbe.h"
 #include "support/TestHome.h"
 
 #include <QClipboard>
@@ -79,6 +80,18 @@ public:
     /// The program's trace lines from now on (until the next call).
     Q_INVOKABLE void captureTrace() { capture.emplace(); }
     Q_INVOKABLE QStringList traceLines() const { return capture ? capture->lines() : QStringList(); }
+    /// The saved links as the store file holds them, in their order: "name|type|value".
+    Q_INVOKABLE QStringList storedTelcos() const
+    {
+        return StoreProbe::rows(storeFile, u"SELECT telcoName, telcoType, telcoValue FROM FavoriteTelcoEntity "
+                                           u"ORDER BY orderIndex, id"_qs);
+    }
+    /// Saves a favourite contact record as it is, duplicates included.
+    Q_INVOKABLE void storeFavoriteContact(const QString &contactID)
+    {
+        viewModel->favoritesDataService().addFavoriteContact(QString(), QString(), contactID);
+        viewModel->favoritesDataService().fetchFavoriteContacts();
+    }
     Q_INVOKABLE int favoriteTelcoCount() const
     {
         if (!viewModel) {
@@ -91,6 +104,7 @@ public:
     RecordingWorkspace *workspace = nullptr;
     HomeWindowViewModel *viewModel = nullptr;
     Preferences *preferences = nullptr;
+    QString storeFile;
     std::optional<Trace::Capture> capture;
 };
 
@@ -145,6 +159,7 @@ private:
         m_support.workspace = &m_workspace;
         m_support.viewModel = m_viewModel.get();
         m_support.preferences = m_preferences.get();
+        m_support.storeFile = m_home.dataHome() + u"/telverra/Telverra.sqlite";
     }
 
     TestHome m_home;

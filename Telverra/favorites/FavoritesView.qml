@@ -1,0 +1,223 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Telverra
+
+// The favourites: favourite contacts (drawn as on the contacts screen), saved meeting links ("telcos") with their
+// editor, and favourite actions. Links are reordered by dragging or with Alt+Up and Alt+Down, and the order is kept.
+Item {
+    id: view
+
+    required property var viewModel
+    readonly property var contacts: viewModel.favoriteContactsModel
+    readonly property var telcos: viewModel.favoriteTelcosModel
+    property alias screen: contactsScreen
+    property string menuContact
+    property int menuTelco: -1
+    property int removal: -1
+    property int dragFrom: -1
+    property int dragTo: -1
+
+    // What the rows ask for.
+    function openContactMenu(identifier, name) {
+        menuContact = identifier
+        contactMenu.popup()
+    }
+    function openTelcoMenu(row) {
+        menuTelco = row
+        telcoMenu.popup()
+    }
+    function openTelco(value) { viewModel.makeCallFromText(value) }
+    function moveTelco(from, to) {
+        if (to < 0 || to >= telcos.count)
+            return
+        viewModel.moveFavoriteTelco(from, to)
+        telcoList.currentIndex = to
+        const row = telcoList.itemAtIndex(to)
+        if (row)
+            row.forceActiveFocus()
+    }
+    function confirmTelcoRemoval(row, name) {
+        removal = row
+        removeConfirmation.text = "Remove “" + name + "” from your favorites?"
+        removeConfirmation.open()
+    }
+    function editTelco(row) {
+        const item = telcoList.itemAtIndex(row)
+        viewModel.selectedFavoriteTelco = item.record
+        editor.openToEdit(item.name, item.value)
+    }
+    function beginTelcoDrag(row) {
+        dragFrom = row
+        dragTo = row
+    }
+    function dragTelcoTo(y) {
+        const row = telcoList.indexAt(10, telcoList.contentY + y)
+        dragTo = row >= 0 ? row : (y < 0 ? 0 : telcos.count - 1)
+    }
+    function endTelcoDrag() {
+        if (dragFrom >= 0 && dragTo >= 0 && dragFrom !== dragTo)
+            moveTelco(dragFrom, dragTo)
+        dragFrom = -1
+        dragTo = -1
+    }
+
+    ContactsScreen {
+        id: contactsScreen
+        service: view.viewModel.contactsDataService
+    }
+
+    component SectionHeader: RowLayout {
+        property alias title: title.text
+        property int count: 0
+        property bool counted: true
+        Layout.fillWidth: true
+        Layout.topMargin: 14
+        spacing: 10
+        Label {
+            id: title
+            font.pixelSize: 22
+            font.bold: true
+            Accessible.role: Accessible.Heading
+        }
+        Label {
+            objectName: "count"
+            visible: parent.counted
+            text: "total of " + parent.count
+            color: view.palette.placeholderText
+            Layout.alignment: Qt.AlignBaseline
+        }
+    }
+
+    ScrollView {
+        anchors.fill: parent
+        contentWidth: availableWidth
+
+        ColumnLayout {
+            width: parent.width - 24
+            x: 12
+            spacing: 6
+
+            SectionHeader {
+                objectName: "contactsHeader"
+                title: "Contacts"
+                count: view.contacts.contactCount
+            }
+            ListView {
+                objectName: "favoriteContacts"
+                Layout.fillWidth: true
+                implicitHeight: contentHeight
+                interactive: false
+                model: view.contacts
+                delegate: ContactsCellView {
+                    viewModel: view.viewModel
+                    contactsView: view
+                }
+            }
+            Label {
+                objectName: "contactsHint"
+                visible: view.contacts.contactCount === 0
+                text: "Add contacts from the Contacts screen or the history."
+                color: view.palette.placeholderText
+            }
+
+            SectionHeader {
+                objectName: "telcosHeader"
+                title: "Telcos"
+                count: view.telcos.count
+                Item { Layout.fillWidth: true }
+                ToolButton {
+                    objectName: "addTelco"
+                    Accessible.name: "Add a meeting link"
+                    ToolTip.visible: hovered
+                    ToolTip.text: Accessible.name
+                    contentItem: SymbolIcon { name: "plus"; size: 20 }
+                    onClicked: editor.openToAdd()
+                }
+            }
+            ListView {
+                id: telcoList
+                objectName: "favoriteTelcos"
+                Layout.fillWidth: true
+                implicitHeight: contentHeight
+                interactive: false
+                model: view.telcos
+                delegate: FavoriteTelcoCellView { favoritesView: view }
+                // Where a dragged link would land.
+                Rectangle {
+                    visible: view.dragFrom >= 0 && view.dragTo !== view.dragFrom
+                    width: parent.width
+                    height: 2
+                    color: view.palette.highlight
+                    y: {
+                        const row = telcoList.itemAtIndex(Math.max(0, view.dragTo))
+                        return row ? (view.dragTo > view.dragFrom ? row.y + row.height : row.y) : 0
+                    }
+                }
+            }
+            Label {
+                objectName: "telcosHint"
+                visible: view.telcos.count === 0
+                text: "Add a meeting link with +"
+                color: view.palette.placeholderText
+            }
+
+            SectionHeader {
+                objectName: "actionsHeader"
+                title: "Actions"
+                counted: false
+            }
+        }
+    }
+
+    Menu {
+        id: contactMenu
+        objectName: "favoriteContactMenu"
+        MenuItem {
+            text: "Remove from Favorites"
+            icon.source: "image://symbols/trash.fill?color=" + String(view.palette.windowText).substring(1)
+            onTriggered: {
+                view.viewModel.favoritesDataService.removeFavoriteContact(view.menuContact)
+                view.viewModel.favoritesDataService.fetchFavoriteContacts()
+            }
+        }
+    }
+    Menu {
+        id: telcoMenu
+        objectName: "telcoMenu"
+        MenuItem {
+            text: "Copy Value to clipboard"
+            icon.source: "image://symbols/doc.on.doc.fill?color=" + String(view.palette.windowText).substring(1)
+            onTriggered: view.viewModel.copyValueToClipboard(telcoList.itemAtIndex(view.menuTelco).value)
+        }
+        MenuItem {
+            text: "Edit favorite"
+            icon.source: "image://symbols/pencil.circle.fill?color=" + String(view.palette.windowText).substring(1)
+            onTriggered: view.editTelco(view.menuTelco)
+        }
+        MenuSeparator {}
+        MenuItem {
+            text: "Remove from Favorites"
+            icon.source: "image://symbols/trash.fill?color=" + String(view.palette.windowText).substring(1)
+            onTriggered: view.telcos.removeAt(view.menuTelco)
+        }
+    }
+
+    AddNewFavoriteTelcoView {
+        id: editor
+        viewModel: view.viewModel
+    }
+
+    Dialog {
+        id: removeConfirmation
+        objectName: "removeConfirmation"
+        property alias text: question.text
+        anchors.centerIn: parent
+        modal: true
+        title: "Remove from Favorites"
+        standardButtons: Dialog.Cancel | Dialog.Ok
+        Label { id: question; wrapMode: Text.Wrap }
+        Component.onCompleted: standardButton(Dialog.Ok).text = "Remove"
+        onAccepted: view.telcos.removeAt(view.removal)
+    }
+}
