@@ -821,6 +821,26 @@ QObject *HomeWindowViewModel::favoritesDataServiceObject() const
     return m_favoritesDataService.get();
 }
 
+QObject *HomeWindowViewModel::recentCallsDataServiceObject() const
+{
+    return m_recentCallsDataService.get();
+}
+
+QObject *HomeWindowViewModel::preferencesObject() const
+{
+    return m_preferences;
+}
+
+QObject *HomeWindowViewModel::weatherInfoServiceObject() const
+{
+    return m_weatherInfoService.get();
+}
+
+QObject *HomeWindowViewModel::corelocationDataServiceObject() const
+{
+    return m_corelocationDataService.get();
+}
+
 QObject *HomeWindowViewModel::contactsDataServiceObject() const
 {
     return m_contactsDataService.get();

@@ -69,6 +69,11 @@ class HomeWindowViewModel : public QObject
     Q_PROPERTY(QObject *favoriteContactsModel READ favoriteContactsModel CONSTANT)
     Q_PROPERTY(QObject *favoriteTelcosModel READ favoriteTelcosModel CONSTANT)
     Q_PROPERTY(QObject *favoritesDataService READ favoritesDataServiceObject CONSTANT)
+    Q_PROPERTY(QObject *recentCallsDataService READ recentCallsDataServiceObject CONSTANT)
+    Q_PROPERTY(QObject *weatherInfoService READ weatherInfoServiceObject CONSTANT)
+    Q_PROPERTY(QObject *corelocationDataService READ corelocationDataServiceObject CONSTANT)
+    /// The preference store the settings window edits.
+    Q_PROPERTY(QObject *preferences READ preferencesObject CONSTANT)
     Q_PROPERTY(QVariant selectedFavoriteTelco READ selectedFavoriteTelcoValue WRITE setSelectedFavoriteTelcoValue NOTIFY
                    selectedFavoriteTelcoChanged)
     Q_PROPERTY(QObject *contactsDataService READ contactsDataServiceObject CONSTANT)
@@ -238,6 +243,10 @@ public:
     QObject *favoriteContactsModel() const;
     QObject *favoriteTelcosModel() const;
     QObject *favoritesDataServiceObject() const;
+    QObject *recentCallsDataServiceObject() const;
+    QObject *preferencesObject() const;
+    QObject *weatherInfoServiceObject() const;
+    QObject *corelocationDataServiceObject() const;
     QObject *contactsDataServiceObject() const;
     /// Double click: calls the destination again (a stored type that is no known kind is called as a number).
     Q_INVOKABLE void recallRecentAt(int row);

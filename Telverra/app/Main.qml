@@ -30,6 +30,14 @@ ApplicationWindow {
                                           favorites: "isFavoritesShown", contacts: "isContactsShown" })
 
     function openWeatherPopover() { weatherCard.showDailyWeatherPopOver = true }
+    // The settings window, made when first asked for; asked again, it comes to the front.
+    function openSettings() {
+        settingsLoader.active = true
+        const settings = settingsLoader.item
+        settings.show()
+        settings.raise()
+        settings.requestActivate()
+    }
     function showSection(section) {
         if (section === currentSection)
             return
@@ -119,6 +127,7 @@ ApplicationWindow {
             viewModel: window.viewModel
             currentSection: window.currentSection
             onSectionChosen: section => window.chooseSection(section)
+            onSettingsRequested: window.openSettings()
         }
 
         StackLayout {
@@ -132,6 +141,24 @@ ApplicationWindow {
             Loader { active: window.builtSections.indexOf("recents") >= 0; sourceComponent: recentsSection }
             Loader { active: window.builtSections.indexOf("favorites") >= 0; sourceComponent: favoritesSection }
             Loader { active: window.builtSections.indexOf("contacts") >= 0; sourceComponent: contactsSection }
+        }
+    }
+
+    Shortcut {
+        sequence: "Ctrl+,"
+        onActivated: window.openSettings()
+    }
+    Loader {
+        id: settingsLoader
+        active: false
+        sourceComponent: settingsWindow
+    }
+    Component {
+        id: settingsWindow
+        // Made anew at each opening, so that it shows the preferences as they are then.
+        SettingsView {
+            viewModel: window.viewModel
+            onClosing: Qt.callLater(() => settingsLoader.active = false)
         }
     }
 

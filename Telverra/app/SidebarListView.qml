@@ -12,6 +12,7 @@ Pane {
     required property var viewModel
     required property string currentSection
     signal sectionChosen(string section)
+    signal settingsRequested()
 
     padding: 8
     background: Rectangle { color: sidebar.palette.alternateBase }
@@ -82,7 +83,13 @@ Pane {
 
             Menu {
                 id: configurationMenu
+                objectName: "configurationMenu"
                 y: -height
+                MenuItem {
+                    text: "Configuration"
+                    icon.source: "image://symbols/gear?color=" + String(sidebar.palette.windowText).substring(1)
+                    onTriggered: sidebar.settingsRequested()
+                }
                 MenuItem {
                     text: "Quit app"
                     icon.source: "image://symbols/gear?color=" + String(sidebar.palette.windowText).substring(1)

@@ -33,8 +33,8 @@ public:
     /// The stored favourite contacts with exactly this identifier; empty when the fetch fails.
     QList<FavoriteContactEntityPtr> favoriteContacts(const QString &contactID);
     Q_INVOKABLE void removeFavoriteContact(const QString &contactID);
-    void deleteAllFavoriteTelcos();
-    void deleteAllFavoriteContacts();
+    Q_INVOKABLE void deleteAllFavoriteTelcos();
+    Q_INVOKABLE void deleteAllFavoriteContacts();
     /// Deletes one saved link and saves (the favourites screen's "Remove from Favorites").
     void deleteFavoriteTelco(const FavoriteTelcoEntityPtr &telco);
     /// A saved link's new name and address, saved; its kind and place stay as they were (the link editor).

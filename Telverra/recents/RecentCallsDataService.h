@@ -19,12 +19,12 @@ public:
     const QList<RecentCallEntityPtr> &savedRecents() const { return m_savedRecents; }
 
     /// Reloads savedRecents from the store, newest first; on failure the list stays and a line is written.
-    void fetchRecentCalls();
+    Q_INVOKABLE void fetchRecentCalls();
     /// Creates and saves one record stamped now; for the personal kinds the url is the launch prefix and the value.
     void addRecentCall(const QString &destinationValue, CallTypes callType, const QString &contactID,
                        const QString &destinationTag);
     /// Deletes every record of savedRecents, one save per record.
-    void deleteAllRecentCalls();
+    Q_INVOKABLE void deleteAllRecentCalls();
     /// Deletes one record and saves (the history row's "Remove from history").
     void deleteRecentCall(const RecentCallEntityPtr &record);
 

@@ -12,6 +12,7 @@
 #include "contacts/VCardDirectoryStore.h"
 #include "favorites/FavoritesDataService.h"
 #include "settings/DeploymentSettings.h"
+#include "settings/LaunchAtLogin.h"
 #include "settings/Preferences.h"
 #include "store/CoreDataManager.h"
 #include "support/LoopbackHttpServer.h"
@@ -73,6 +74,23 @@ public:
             preferences->setBoolValue(name, value);
         }
     }
+    Q_INVOKABLE bool preference(const QString &name) const { return preferences && preferences->boolValue(name); }
+    /// The preference store of a fresh installation (a file of its own that nothing was written to yet).
+    Q_INVOKABLE QObject *freshPreferences()
+    {
+        fresh = std::make_unique<Preferences>(storeFile + u".fresh-" + QString::number(++freshCount) + u".conf");
+        return fresh.get();
+    }
+    Q_INVOKABLE bool weatherTimerActive() const
+    {
+        return viewModel->weatherTimer() && viewModel->weatherTimer()->isActive();
+    }
+    Q_INVOKABLE bool launchesAtLogin() const { return QFile::exists(LaunchAtLogin::userEntry()); }
+    Q_INVOKABLE void storeFavoriteTelco(const QString &name, const QString &value)
+    {
+        viewModel->favoritesDataService().addFavoriteTelco(name, u"jitsi"_qs, value);
+        viewModel->favoritesDataService().fetchFavoriteTelcos();
+    }
     Q_INVOKABLE int favoriteContactCount(const QString &contactID) const
     {
         return viewModel ? int(viewModel->favoritesDataService().favoriteContacts(contactID).size()) : 0;
@@ -105,6 +123,8 @@ public:
     HomeWindowViewModel *viewModel = nullptr;
     Preferences *preferences = nullptr;
     QString storeFile;
+    std::unique_ptr<Preferences> fresh;
+    int freshCount = 0;
     std::optional<Trace::Capture> capture;
 };
 

@@ -1,0 +1,24 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+
+// A few words about the program.
+ColumnLayout {
+    spacing: 12
+
+    Label {
+        Layout.fillWidth: true
+        Layout.leftMargin: 10
+        Layout.rightMargin: 10
+        wrapMode: Text.Wrap
+        textFormat: Text.MarkdownText
+        text: "**Telverra** is free and open source software. This is why this app is now shared with the world for free.\n\n"
+              + "Do you want to help me out improving this tool ? I believe that the Mac really deserves a better experiece to launch calls and handle your communicating with people."
+    }
+    Label {
+        Layout.leftMargin: 10
+        text: "Version " + Qt.application.version
+        color: palette.placeholderText
+    }
+    Item { Layout.fillHeight: true }
+}

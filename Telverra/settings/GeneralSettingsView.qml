@@ -1,0 +1,99 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Telverra
+
+// How meetings open, the clipboard, the weather, and what happens at login and at start.
+ScrollView {
+    id: general
+
+    required property var viewModel
+    readonly property var preferences: viewModel.preferences
+
+    contentWidth: availableWidth
+
+    component Heading: Label {
+        font.bold: true
+        font.pixelSize: 15
+        Accessible.role: Accessible.Heading
+    }
+
+    ColumnLayout {
+        width: parent.width
+        spacing: 4
+
+        Heading { text: "Tools Options:" }
+        PreferenceSwitch {
+            preferences: general.preferences
+            key: "useChromeAsDefaultBrowser"
+            text: "Use Chrome as default browser"
+        }
+        PreferenceSwitch {
+            preferences: general.preferences
+            key: "copyNumberURLToClipBoard"
+            text: "Copy called numbers and urls to Clipboard"
+        }
+        PreferenceSwitch {
+            preferences: general.preferences
+            key: "updateWeatherInfoEveryHour"
+            text: "Update weather information every hour?"
+            Layout.bottomMargin: 10
+            // Acts at once: the position asked again and the hourly timer started, or the timer cancelled.
+            onToggled: {
+                if (checked && preferences.boolValue(key))
+                    general.viewModel.updateWeatherInfo()
+                else if (!checked)
+                    general.viewModel.cancelWeatherTimer()
+            }
+        }
+        Label {
+            text: "Place for the weather when the desktop gives no position:"
+        }
+        TextField {
+            objectName: "weatherPlace"
+            Layout.fillWidth: true
+            placeholderText: "a city, such as Santa Cruz de Tenerife"
+            Accessible.name: "Place for the weather"
+            text: general.preferences.weatherPlace()
+            onEditingFinished: {
+                if (text.trim() !== general.preferences.weatherPlace()) {
+                    general.preferences.setWeatherPlace(text.trim())
+                    general.viewModel.updateWeatherInfo()
+                }
+            }
+        }
+        WeatherStatus {
+            id: weatherStatus
+            weatherService: general.viewModel.weatherInfoService
+            locationService: general.viewModel.corelocationDataService
+        }
+        Label {
+            objectName: "weatherStatus"
+            Layout.fillWidth: true
+            visible: text.length > 0
+            text: weatherStatus.text
+            wrapMode: Text.Wrap
+            color: general.palette.placeholderText
+            font.pixelSize: 12
+            Layout.bottomMargin: 10
+        }
+
+        Heading { text: "Launch Options"; Layout.topMargin: 10 }
+        LaunchAtLogin { id: launchAtLogin }
+        Switch {
+            objectName: "launchAtLogin"
+            text: "Launch at login"
+            Accessible.name: text
+            checked: launchAtLogin.isEnabled
+            onToggled: {
+                launchAtLogin.isEnabled = checked
+                checked = Qt.binding(() => launchAtLogin.isEnabled) // what is read back
+            }
+        }
+        PreferenceSwitch {
+            preferences: general.preferences
+            key: "fixedQuoteOnStartup"
+            text: "Fix welcome screen with quotes on startup"
+        }
+    }
+}

@@ -1,0 +1,59 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Telverra
+
+// The settings window: General, Quick Actions, Reset and About. Every switch writes its preference the moment it is
+// flipped.
+ApplicationWindow {
+    id: settings
+
+    required property var viewModel
+    readonly property var preferences: viewModel.preferences
+
+    objectName: "settingsWindow"
+    title: "Telverra Settings"
+    width: 600
+    height: 500
+    minimumWidth: 480
+    minimumHeight: 420
+    color: palette.window
+
+    Shortcut {
+        sequence: StandardKey.Close
+        onActivated: settings.close()
+    }
+
+    header: TabBar {
+        id: tabs
+        objectName: "settingsTabs"
+        Repeater {
+            model: [
+                { label: "General", symbol: "gear" },
+                { label: "Quick Actions", symbol: "ellipsis.circle" },
+                { label: "Reset", symbol: "xmark.circle.fill" },
+                { label: "About", symbol: "info.circle.fill" }
+            ]
+            delegate: TabButton {
+                required property var modelData
+                objectName: "tab-" + modelData.label
+                text: modelData.label
+                Accessible.name: modelData.label
+                icon.source: "image://symbols/" + modelData.symbol + "?color=" + String(settings.palette.windowText).substring(1)
+                icon.width: 18
+                icon.height: 18
+                display: AbstractButton.TextUnderIcon
+            }
+        }
+    }
+
+    StackLayout {
+        anchors.fill: parent
+        anchors.margins: 20
+        currentIndex: tabs.currentIndex
+        GeneralSettingsView { viewModel: settings.viewModel }
+        QuickActionsSettingsView { preferences: settings.preferences }
+        ResetSettingsView { viewModel: settings.viewModel }
+        AboutSettingsView {}
+    }
+}
