@@ -78,8 +78,8 @@ public:
     /// The preference store of a fresh installation (a file of its own that nothing was written to yet).
     Q_INVOKABLE QObject *freshPreferences()
     {
-        fresh = std::make_unique<Preferences>(storeFile + u".fresh-" + QString::number(++freshCount) + u".conf");
-        return fresh.get();
+        // Parented, so that QML does not take it over.
+        return new Preferences(storeFile + u".fresh-" + QString::number(++freshCount) + u".conf", this);
     }
     Q_INVOKABLE bool weatherTimerActive() const
     {
@@ -123,7 +123,6 @@ public:
     HomeWindowViewModel *viewModel = nullptr;
     Preferences *preferences = nullptr;
     QString storeFile;
-    std::unique_ptr<Preferences> fresh;
     int freshCount = 0;
     std::optional<Trace::Capture> capture;
 };
