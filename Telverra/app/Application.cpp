@@ -1,6 +1,7 @@
 #include "Application.h"
 
 #include "CommandLine.h"
+#include "DesktopActivation.h"
 #include "HomeWindowViewModel.h"
 #include "contacts/ContactPhotoProvider.h"
 #include "contacts/ContactStoreManager.h"
@@ -14,6 +15,7 @@
 #include <QDirIterator>
 #include <QEventLoop>
 #include <QGuiApplication>
+#include <QIcon>
 
 #include <QQmlApplicationEngine>
 #include <QQmlComponent>
@@ -174,6 +176,7 @@ int run(int argc, char *argv[])
     QGuiApplication::setApplicationName(QStringLiteral("Telverra"));
     QGuiApplication::setApplicationVersion(QStringLiteral(TELVERRA_VERSION));
     QGuiApplication::setDesktopFileName(QString::fromLatin1(applicationId));
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/app/org.telverra.Telverra.svg")));
     if (qEnvironmentVariableIsEmpty("QT_QUICK_CONTROLS_STYLE")) {
         QQuickStyle::setStyle(QStringLiteral("Fusion"));
     }
@@ -193,8 +196,16 @@ int run(int argc, char *argv[])
     const QCommandLineOption screenshotsOption(QStringLiteral("screenshots"),
                                                QStringLiteral("Save a picture of each screen into DIR, then quit."),
                                                QStringLiteral("DIR"));
+    const QCommandLineOption actionOption(
+        QStringLiteral("action"), QStringLiteral("Run a desktop action: new-meet, call-from-clipboard or dialer."),
+        QStringLiteral("NAME"));
+    // What D-Bus activation starts the program with; it starts as usual and the bus then hands over the call.
+    QCommandLineOption serviceOption(QStringLiteral("gapplication-service"));
+    serviceOption.setFlags(QCommandLineOption::HiddenFromHelp);
     parser.addOption(infoOption);
     parser.addOption(screenshotsOption);
+    parser.addOption(actionOption);
+    parser.addOption(serviceOption);
     if (!parser.parse(arguments)) {
         std::fprintf(stderr, "telverra: %s\nTry 'telverra --help'.\n", qPrintable(parser.errorText()));
         return 2;
@@ -204,6 +215,15 @@ int run(int argc, char *argv[])
     }
     if (parser.isSet(selfTestOption)) {
         return selfTest();
+    }
+    const QString action = parser.value(actionOption);
+    if (!action.isEmpty() && !DesktopActivation::actions.contains(action)) {
+        std::fprintf(stderr, "telverra: no action %s\nTry 'telverra --help'.\n", qPrintable(action));
+        return 2;
+    }
+    // One window: a second start brings the first to the front (and runs its action there).
+    if (!parser.isSet(screenshotsOption) && CommandService::activateRunningWindow(action)) {
+        return 0;
     }
 
     if (parser.isSet(infoOption)) {
@@ -219,7 +239,12 @@ int run(int argc, char *argv[])
     }
     HomeWindowViewModel viewModel;
     CommandService commands(viewModel);
-    commands.registerOnSessionBus(); // commands from the command line reach this window's history
+    auto *activation = new DesktopActivation(&commands, viewModel);
+    // Commands from the command line and the desktop reach this window. Another window that took the name meanwhile
+    // is the one the user gets.
+    if (!commands.registerOnSessionBus() && CommandService::activateRunningWindow(action)) {
+        return 0;
+    }
 
     QQmlApplicationEngine engine;
     prepareEngine(engine);
@@ -233,6 +258,15 @@ int run(int argc, char *argv[])
     engine.load(mainQml);
     if (engine.rootObjects().isEmpty()) {
         return 1;
+    }
+    auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
+    QObject::connect(activation, &DesktopActivation::raiseRequested, window, [window] {
+        window->show();
+        window->raise();
+        window->requestActivate();
+    });
+    if (!action.isEmpty()) {
+        DesktopActivation::runAction(viewModel, action);
     }
     if (parser.isSet(screenshotsOption)) {
         takeScreenshots(engine, viewModel, parser.value(screenshotsOption));

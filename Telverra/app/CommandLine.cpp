@@ -225,7 +225,7 @@ bool isCommand(const QStringList &arguments)
     for (qsizetype i = 1; i < arguments.size(); ++i) {
         const QString &argument = arguments.at(i);
         if (argument == u"--contacts" || argument == u"--search" || argument == u"--info" ||
-            argument == u"--screenshots") {
+            argument == u"--screenshots" || argument == u"--action") {
             ++i;
             continue;
         }
@@ -261,6 +261,7 @@ QString helpText()
         "  --contacts DIR   read the address book from this vCard folder\n"
         "  --info FILE      read the deployment settings (Info.ini) from FILE\n"
         "  --self-test      load every screen without showing it, then exit\n"
+        "  --action NAME    run a desktop action in the window: new-meet, call-from-clipboard, dialer\n"
         "  -h, --help       show this help\n"
         "  -v, --version    show the version\n"
         "\n"
@@ -410,9 +411,30 @@ CommandService::CommandService(HomeWindowViewModel &viewModel, QObject *parent)
 
 bool CommandService::registerOnSessionBus()
 {
+    // The object first, so that a call the bus held back for an activation finds it when the name appears.
     QDBusConnection bus = QDBusConnection::sessionBus();
-    return bus.isConnected() && bus.registerService(serviceName) &&
-           bus.registerObject(objectPath, this, QDBusConnection::ExportScriptableSlots);
+    return bus.isConnected() &&
+           bus.registerObject(objectPath, this,
+                              QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportAdaptors) &&
+           bus.registerService(serviceName);
+}
+
+bool CommandService::activateRunningWindow(const QString &action)
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected() || !bus.interface() || !bus.interface()->isServiceRegistered(serviceName)) {
+        return false;
+    }
+    const QString interface = QStringLiteral("org.freedesktop.Application");
+    QDBusMessage call = action.isEmpty()
+                            ? QDBusMessage::createMethodCall(serviceName, objectPath, interface, u"Activate"_qs)
+                            : QDBusMessage::createMethodCall(serviceName, objectPath, interface, u"ActivateAction"_qs);
+    if (action.isEmpty()) {
+        call << QVariantMap();
+    } else {
+        call << action << QVariantList() << QVariantMap();
+    }
+    return bus.call(call, QDBus::Block, 10000).type() == QDBusMessage::ReplyMessage;
 }
 
 int CommandService::Launch(const QString &command, const QString &destination, QString &error)

@@ -56,6 +56,9 @@ public:
     explicit CommandService(HomeWindowViewModel &viewModel, QObject *parent = nullptr);
     /// Registers the name and the object on the session bus; false when there is no bus or the name is taken.
     bool registerOnSessionBus();
+    /// Brings a running window to the front, running a desktop action there when one is named; false when no window
+    /// runs (or it did not answer).
+    static bool activateRunningWindow(const QString &action = {});
 
 public Q_SLOTS:
     /// Runs a launch command in this window; answers (status, error text) when it is over.

@@ -199,8 +199,9 @@ void tst_CommandLine::help()
 void tst_CommandLine::forwardedToRunningWindow()
 {
     if (QStandardPaths::findExecutable(u"dbus-run-session"_qs).isEmpty() ||
-        QStandardPaths::findExecutable(u"dbus-send"_qs).isEmpty()) {
-        QSKIP("dbus-run-session is not installed (package dbus-daemon)");
+        QStandardPaths::findExecutable(u"dbus-send"_qs).isEmpty() ||
+        QStandardPaths::findExecutable(u"gdbus"_qs).isEmpty()) {
+        QSKIP("dbus-run-session or gdbus is not installed (packages dbus-daemon, libglib2.0-bin)");
     }
     const QString script = QStringLiteral(R"(
 "$TELVERRA" > "$WORK/window.out" 2>&1 &
@@ -211,6 +212,13 @@ for i in $(seq 100); do
 done
 "$TELVERRA" call 700-1 > "$WORK/command.out" 2>&1
 echo $? > "$WORK/command.status"
+# A second start, with a desktop action: the first window runs it and no second one opens.
+"$TELVERRA" --action new-meet > "$WORK/second.out" 2>&1
+echo $? > "$WORK/second.status"
+app="--session --dest org.telverra.Telverra --object-path /org/telverra/Telverra --method org.freedesktop.Application"
+gdbus call $app.Activate "{}" > "$WORK/activate.out" 2>&1
+gdbus call $app.Open "['file:///etc/passwd']" "{}" > "$WORK/open.out" 2>&1
+gdbus call $app.ActivateAction "'format-disk'" "[]" "{}" >> "$WORK/open.out" 2>&1
 kill $window
 wait $window
 )");
@@ -232,8 +240,15 @@ wait $window
     QVERIFY2(read(u"window.out"_qs).contains(u"call launced with number: 700-1"_qs),
              qPrintable(read(u"window.out"_qs)));
     QVERIFY2(!read(u"command.out"_qs).contains(u"make call button pressed"_qs), "not run by the command itself");
+    QCOMPARE(read(u"second.status"_qs).trimmed(), u"0"_qs);
+    QVERIFY(read(u"window.out"_qs).contains(u"make call in browser button pressed with: googleMeetNew"_qs));
+    QVERIFY2(read(u"activate.out"_qs).trimmed() == u"()", qPrintable(read(u"activate.out"_qs)));
+    const QString refused = read(u"open.out"_qs);
+    QVERIFY2(refused.contains(u"org.freedesktop.DBus.Error.NotSupported"_qs) &&
+                 refused.contains(u"org.freedesktop.DBus.Error.InvalidArgs"_qs),
+             qPrintable(refused));
     QTest::qWait(300);
-    QCOMPARE(opened().mid(before.size()), QStringList{u"tel://7001"_qs});
+    QCOMPARE(opened().mid(before.size()), (QStringList{u"tel://7001"_qs, u"https://meet.google.com/new"_qs}));
 }
 
 // Info.ini names the Chrome to start; with Chrome chosen in the preferences, the meeting opens there with "--".

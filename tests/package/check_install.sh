@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# check_install.sh BUILD SOURCE: installs the build into a throw-away folder as a distribution would (prefix /usr) and
+# checks what desktops and software centres read, that the installed program starts from the install tree alone, and
+# that the Debian package made from the build depends on the package of every QML module the program imports.
+set -euo pipefail
+build=$1
+source=$2
+stage=$(mktemp -d)
+trap 'rm -rf "$stage"' EXIT
+
+DESTDIR=$stage/root cmake --install "$build" --prefix /usr >/dev/null
+usr=$stage/root/usr
+desktop-file-validate "$usr/share/applications/org.telverra.Telverra.desktop"
+appstreamcli validate --no-net "$usr/share/metainfo/org.telverra.Telverra.metainfo.xml" >/dev/null
+test -s "$usr/share/icons/hicolor/scalable/apps/org.telverra.Telverra.svg"
+test -s "$usr/share/icons/hicolor/symbolic/apps/org.telverra.Telverra-symbolic.svg"
+grep -qx 'Exec=/usr/bin/telverra --gapplication-service' "$usr/share/dbus-1/services/org.telverra.Telverra.service"
+test -s "$usr/share/telverra/Info.ini.example"
+echo "installed files: valid"
+
+home=$stage/home
+mkdir -p "$home"
+HOME=$home XDG_DATA_HOME=$home/.local/share XDG_CONFIG_HOME=$home/.config QT_QPA_PLATFORM=offscreen \
+    "$usr/bin/telverra" --self-test | tee "$stage/self-test.out"
+grep -q ', 0 failed' "$stage/self-test.out"
+
+(cd "$build" && cpack -G DEB -B "$stage/package" >/dev/null)
+depends=$(dpkg-deb -f "$stage"/package/telverra_*.deb Depends)
+echo "Depends: $depends"
+for package in $("$source/scripts/qml-depends" "$source/Telverra"); do
+    grep -Eq "(^|, )$package( |,|$)" <<<"$depends" || { echo "the package does not depend on $package" >&2; exit 1; }
+done
+echo "every QML import's package is in Depends"
