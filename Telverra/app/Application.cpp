@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "DesktopActivation.h"
+#include "DesktopSearch.h"
 #include "HomeWindowViewModel.h"
 #include "contacts/ContactPhotoProvider.h"
 #include "contacts/ContactStoreManager.h"
@@ -12,10 +13,13 @@
 
 #include "app/SymbolIconProvider.h"
 #include <QCommandLineParser>
+#include <QDBusConnection>
 #include <QDirIterator>
 #include <QEventLoop>
 #include <QGuiApplication>
 #include <QIcon>
+#include <QPointer>
+#include <QProcess>
 
 #include <QQmlApplicationEngine>
 #include <QQmlComponent>
@@ -115,6 +119,47 @@ void tellStoreFailuresOnScreen()
     });
 }
 
+void showContactsSearch(HomeWindowViewModel &viewModel, const QString &text)
+{
+    viewModel.setIsContactsShown(true);
+    viewModel.setSearchTextForContacts(text);
+}
+
+// What the session bus starts for the desktop (D-Bus activation): the command line's view model serves the desktop's
+// search and its launches without a window, and leaves after a minute without a call. A request for a window hands
+// over to a new start of the program, which opens one.
+int runService(QGuiApplication &app)
+{
+    if (CommandService::activateRunningWindow()) {
+        return 0; // a window serves already
+    }
+    HomeWindowViewModel::Environment environment;
+    environment.headless = true;
+    HomeWindowViewModel viewModel(environment);
+    CommandService commands(viewModel);
+    auto handOver = [&commands, &app](const QStringList &arguments) {
+        commands.unregisterFromSessionBus();
+        QProcess::startDetached(QCoreApplication::applicationFilePath(), arguments);
+        QTimer::singleShot(500, &app, &QCoreApplication::quit); // after the reply has gone
+    };
+    auto *activation = new DesktopActivation(&commands, [handOver](const QString &desktopAction) {
+        handOver(desktopAction.isEmpty() ? QStringList() : QStringList{u"--action"_qs, desktopAction});
+    });
+    DesktopSearch desktopSearch(viewModel, [handOver](const QString &text) { handOver({u"--search"_qs, text}); });
+    QTimer idle;
+    idle.setSingleShot(true);
+    idle.setInterval(serviceIdleMilliseconds);
+    QObject::connect(&idle, &QTimer::timeout, &app, &QCoreApplication::quit);
+    QObject::connect(activation, &DesktopActivation::used, &idle, qOverload<>(&QTimer::start));
+    QObject::connect(&desktopSearch, &DesktopSearch::used, &idle, qOverload<>(&QTimer::start));
+    QObject::connect(&commands, &CommandService::used, &idle, qOverload<>(&QTimer::start));
+    if (!desktopSearch.registerOn(QDBusConnection::sessionBus()) || !commands.registerOnSessionBus()) {
+        return 1;
+    }
+    idle.start();
+    return QCoreApplication::exec();
+}
+
 } // namespace
 
 int selfTest()
@@ -204,8 +249,12 @@ int run(int argc, char *argv[])
     serviceOption.setFlags(QCommandLineOption::HiddenFromHelp);
     parser.addOption(infoOption);
     parser.addOption(screenshotsOption);
+    const QCommandLineOption searchOption(QStringLiteral("search"),
+                                          QStringLiteral("Open on the Contacts screen searching for TEXT."),
+                                          QStringLiteral("TEXT"));
     parser.addOption(actionOption);
     parser.addOption(serviceOption);
+    parser.addOption(searchOption);
     if (!parser.parse(arguments)) {
         std::fprintf(stderr, "telverra: %s\nTry 'telverra --help'.\n", qPrintable(parser.errorText()));
         return 2;
@@ -215,6 +264,9 @@ int run(int argc, char *argv[])
     }
     if (parser.isSet(selfTestOption)) {
         return selfTest();
+    }
+    if (parser.isSet(serviceOption)) {
+        return runService(app);
     }
     const QString action = parser.value(actionOption);
     if (!action.isEmpty() && !DesktopActivation::actions.contains(action)) {
@@ -238,10 +290,26 @@ int run(int argc, char *argv[])
         ContactStoreManager::setSharedContactStore(contactsFolder.get());
     }
     HomeWindowViewModel viewModel;
+    QPointer<QQuickWindow> window;
+    auto raise = [&window] {
+        if (window) {
+            window->show();
+            window->raise();
+            window->requestActivate();
+        }
+    };
     CommandService commands(viewModel);
-    auto *activation = new DesktopActivation(&commands, viewModel);
+    new DesktopActivation(&commands, [&viewModel, raise](const QString &desktopAction) {
+        raise();
+        DesktopActivation::runAction(viewModel, desktopAction);
+    });
+    DesktopSearch desktopSearch(viewModel, [&viewModel, raise](const QString &text) {
+        showContactsSearch(viewModel, text);
+        raise();
+    });
     // Commands from the command line and the desktop reach this window. Another window that took the name meanwhile
     // is the one the user gets.
+    desktopSearch.registerOn(QDBusConnection::sessionBus());
     if (!commands.registerOnSessionBus() && CommandService::activateRunningWindow(action)) {
         return 0;
     }
@@ -259,14 +327,12 @@ int run(int argc, char *argv[])
     if (engine.rootObjects().isEmpty()) {
         return 1;
     }
-    auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
-    QObject::connect(activation, &DesktopActivation::raiseRequested, window, [window] {
-        window->show();
-        window->raise();
-        window->requestActivate();
-    });
+    window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
     if (!action.isEmpty()) {
         DesktopActivation::runAction(viewModel, action);
+    }
+    if (parser.isSet(searchOption)) {
+        showContactsSearch(viewModel, parser.value(searchOption));
     }
     if (parser.isSet(screenshotsOption)) {
         takeScreenshots(engine, viewModel, parser.value(screenshotsOption));

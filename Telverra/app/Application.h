@@ -4,6 +4,8 @@
 namespace Application {
 
 inline constexpr const char *applicationId = "org.telverra.Telverra";
+/// How long the bus-activated process waits for another call before it leaves.
+inline constexpr int serviceIdleMilliseconds = 60 * 1000;
 
 int run(int argc, char *argv[]);
 

@@ -419,6 +419,11 @@ bool CommandService::registerOnSessionBus()
            bus.registerService(serviceName);
 }
 
+void CommandService::unregisterFromSessionBus()
+{
+    QDBusConnection::sessionBus().unregisterService(serviceName);
+}
+
 bool CommandService::activateRunningWindow(const QString &action)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
@@ -439,6 +444,7 @@ bool CommandService::activateRunningWindow(const QString &action)
 
 int CommandService::Launch(const QString &command, const QString &destination, QString &error)
 {
+    Q_EMIT used();
     if (!LaunchCommand::isLaunch(command)) {
         error = u"Unknown command: " + command;
         return 2;

@@ -56,6 +56,8 @@ public:
     explicit CommandService(HomeWindowViewModel &viewModel, QObject *parent = nullptr);
     /// Registers the name and the object on the session bus; false when there is no bus or the name is taken.
     bool registerOnSessionBus();
+    /// Gives the name up, for another process to take.
+    void unregisterFromSessionBus();
     /// Brings a running window to the front, running a desktop action there when one is named; false when no window
     /// runs (or it did not answer).
     static bool activateRunningWindow(const QString &action = {});
@@ -63,6 +65,10 @@ public:
 public Q_SLOTS:
     /// Runs a launch command in this window; answers (status, error text) when it is over.
     Q_SCRIPTABLE int Launch(const QString &command, const QString &destination, QString &error);
+
+Q_SIGNALS:
+    /// A command came.
+    void used();
 
 private:
     HomeWindowViewModel &m_viewModel;

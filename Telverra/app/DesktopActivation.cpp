@@ -7,9 +7,9 @@
 
 const QStringList DesktopActivation::actions = {u"new-meet"_qs, u"call-from-clipboard"_qs, u"dialer"_qs};
 
-DesktopActivation::DesktopActivation(QObject *exported, HomeWindowViewModel &viewModel)
+DesktopActivation::DesktopActivation(QObject *exported, std::function<void(const QString &)> showWindow)
     : QDBusAbstractAdaptor(exported)
-    , m_viewModel(viewModel)
+    , m_showWindow(std::move(showWindow))
 {}
 
 bool DesktopActivation::runAction(HomeWindowViewModel &viewModel, const QString &name)
@@ -29,7 +29,8 @@ bool DesktopActivation::runAction(HomeWindowViewModel &viewModel, const QString 
 void DesktopActivation::Activate(const QVariantMap &platformData)
 {
     Q_UNUSED(platformData);
-    Q_EMIT raiseRequested();
+    Q_EMIT used();
+    m_showWindow(QString());
 }
 
 namespace {
@@ -46,16 +47,17 @@ void DesktopActivation::ActivateAction(const QString &name, const QVariantList &
 {
     Q_UNUSED(parameter);
     Q_UNUSED(platformData);
+    Q_EMIT used();
     if (!actions.contains(name)) {
         refuse(message, QDBusError::InvalidArgs, u"Telverra has no action named " + name);
         return;
     }
-    Q_EMIT raiseRequested();
-    runAction(m_viewModel, name);
+    m_showWindow(name);
 }
 
 void DesktopActivation::Open(const QStringList &uris, const QVariantMap &platformData, const QDBusMessage &message)
 {
     Q_UNUSED(platformData);
+    Q_EMIT used();
     refuse(message, QDBusError::NotSupported, u"Telverra opens no files or addresses this way: " + uris.join(u", "));
 }

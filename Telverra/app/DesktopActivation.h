@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <functional>
+
 class HomeWindowViewModel;
 
 /// org.freedesktop.Application, on the window's bus name and object: the desktop activates the running window
@@ -19,7 +21,8 @@ public:
     /// and the dialer.
     static const QStringList actions;
 
-    DesktopActivation(QObject *exported, HomeWindowViewModel &viewModel);
+    /// `showWindow` brings the window to the front and runs the action named, if any.
+    DesktopActivation(QObject *exported, std::function<void(const QString &action)> showWindow);
 
     /// Runs an action on the view model; false for a name that is none of them.
     static bool runAction(HomeWindowViewModel &viewModel, const QString &name);
@@ -31,9 +34,9 @@ public Q_SLOTS:
     void Open(const QStringList &uris, const QVariantMap &platformData, const QDBusMessage &message);
 
 Q_SIGNALS:
-    /// The window should come to the front.
-    void raiseRequested();
+    /// A call came: the desktop uses the program.
+    void used();
 
 private:
-    HomeWindowViewModel &m_viewModel;
+    std::function<void(const QString &)> m_showWindow;
 };
