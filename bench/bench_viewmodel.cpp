@@ -10,6 +10,7 @@
 #include "contacts/ContactStoreManager.h"
 #include "contacts/VCardDirectoryStore.h"
 #include "recents/RecentCallsDataService.h"
+#include "search/DesktopSearchIndex.h"
 #include "settings/Preferences.h"
 #include "store/CoreDataManager.h"
 
@@ -134,6 +135,35 @@ void BM_ContactSearchMainThreadShare(benchmark::State &state)
     }
 }
 BENCHMARK(BM_ContactSearchMainThreadShare)->Unit(benchmark::kNanosecond);
+
+// A query of the desktop's search (KRunner, GNOME Shell) over 100,000 contacts: a common first name (the best results
+// fill up at once), a family name, a number typed with blanks, an address, and a text nobody has (the whole scan).
+void BM_DesktopSearchQuery(benchmark::State &state)
+{
+    static Fixture fixture(100'000, 0);
+    static Fixture::Instance instance(fixture);
+    static const DesktopSearchIndex index(instance.vm.allContacts(), {});
+    static const QStringList queries[] = {
+        {u"ana"_qs}, {u"garcía5000"_qs}, {u"+34"_qs, u"91"_qs, u"100"_qs}, {u"contact77777@"_qs}, {u"zzzz"_qs}};
+    const QStringList &query = queries[state.range(0)];
+    state.SetLabel(query.join(u' ').toStdString());
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(index.search(query).size());
+    }
+}
+BENCHMARK(BM_DesktopSearchQuery)->DenseRange(0, 4)->Unit(benchmark::kMillisecond);
+
+// The desktop search's index, made at the first query after the address book is read.
+void BM_DesktopSearchIndex(benchmark::State &state)
+{
+    static Fixture fixture(100'000, 0);
+    Fixture::Instance instance(fixture);
+    for (auto _ : state) {
+        const DesktopSearchIndex index(instance.vm.allContacts(), {});
+        benchmark::DoNotOptimize(index.size());
+    }
+}
+BENCHMARK(BM_DesktopSearchIndex)->Unit(benchmark::kMillisecond);
 
 void BM_FilteredRecentCalls(benchmark::State &state)
 {

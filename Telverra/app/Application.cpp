@@ -65,16 +65,31 @@ void takeScreenshots(QQmlApplicationEngine &engine, HomeWindowViewModel &viewMod
         return;
     }
     const QString suffix = qEnvironmentVariable("TELVERRA_COLOR_SCHEME") == u"dark" ? u"-dark"_qs : u"-light"_qs;
+    // The window a shot is taken of: the main one, or the settings window once it is open.
+    auto windowTitled = [window](const QString &title) -> QQuickWindow * {
+        for (QWindow *candidate : QGuiApplication::topLevelWindows()) {
+            if (candidate->title() == title && candidate->isVisible()) {
+                return qobject_cast<QQuickWindow *>(candidate);
+            }
+        }
+        return window;
+    };
     struct Shot
     {
         const char *name;
         std::function<void()> select;
+        QString windowTitle = QStringLiteral("Telverra");
     };
     auto shots = std::make_shared<QList<Shot>>(QList<Shot>{
         {"welcome", [] {}},
         {"dialer", [&viewModel] { viewModel.setIsDialerShown(true); }},
         {"recents", [&viewModel] { viewModel.setIsRecentsShown(true); }},
         {"weather", [window] { QMetaObject::invokeMethod(window, "openWeatherPopover"); }},
+        {"contacts", [&viewModel] { viewModel.setIsContactsShown(true); }},
+        {"favorites", [&viewModel] { viewModel.setIsFavoritesShown(true); }},
+        {"link-editor", [window] { QMetaObject::invokeMethod(window, "openLinkEditor"); }},
+        {"settings", [window] { QMetaObject::invokeMethod(window, "openSettings"); },
+         QStringLiteral("Telverra Settings")},
     });
     auto next = std::make_shared<std::function<void(int)>>();
     *next = [=](int index) {
@@ -84,7 +99,9 @@ void takeScreenshots(QQmlApplicationEngine &engine, HomeWindowViewModel &viewMod
         }
         shots->at(index).select();
         QTimer::singleShot(1500, window, [=] {
-            window->grabWindow().save(folder + u'/' + QLatin1StringView(shots->at(index).name) + suffix + u".png");
+            windowTitled(shots->at(index).windowTitle)
+                ->grabWindow()
+                .save(folder + u'/' + QLatin1StringView(shots->at(index).name) + suffix + u".png");
             (*next)(index + 1);
         });
     };

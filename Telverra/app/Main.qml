@@ -3,10 +3,11 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Telverra
 
-// No "ComponentBehavior: Bound" here: Qt 6.4's Loader refuses to create a bound component, and the sections are built
-// by Loaders when first shown.
+// No "ComponentBehavior: Bound" here: Qt 6.4's Loader refuses to create a bound component, and the window's parts are
+// built by Loaders.
 // The main window: the sidebar of sections beside the selected screen, the toolbar with the weather card, the menu
-// commands and the launch-error alert.
+// commands and the launch-error alert. The window shows at once and its parts are built in the frames that follow
+// (asynchronous Loaders), so that it appears as fast as an empty one; each section is built when first shown.
 ApplicationWindow {
     id: window
 
@@ -29,7 +30,17 @@ ApplicationWindow {
     readonly property var sectionFlags: ({ welcome: "isWelcomeShown", dialer: "isDialerShown", recents: "isRecentsShown",
                                           favorites: "isFavoritesShown", contacts: "isContactsShown" })
 
-    function openWeatherPopover() { weatherCard.showDailyWeatherPopOver = true }
+    // Whether every part of the window is built.
+    readonly property bool loaded: menuLoader.status === Loader.Ready && headerLoader.status === Loader.Ready
+                                   && contentLoader.status === Loader.Ready
+    property bool sidebarShown: true
+
+    function openWeatherPopover() { headerLoader.item.weatherCard.showDailyWeatherPopOver = true }
+    // The favourites' link editor, on the favourites screen.
+    function openLinkEditor() {
+        viewModel.isFavoritesShown = true
+        contentLoader.item.favorites.item.openLinkEditor()
+    }
     // The settings window, made when first asked for; asked again, it comes to the front.
     function openSettings() {
         settingsLoader.active = true
@@ -67,13 +78,19 @@ ApplicationWindow {
         function onIsRecentsShownChanged() { if (window.viewModel.isRecentsShown) window.showSection("recents") }
         function onIsFavoritesShownChanged() { if (window.viewModel.isFavoritesShown) window.showSection("favorites") }
         function onIsContactsShownChanged() { if (window.viewModel.isContactsShown) window.showSection("contacts") }
-        function onCallManagerErrorPublished(text) { errorAlert.open() }
+        function onCallManagerErrorPublished(text) {
+            errorAlert.active = true
+            errorAlert.item.open()
+        }
     }
 
-    menuBar: MenuBar {
+    menuBar: Loader {
+        id: menuLoader
+        asynchronous: true
+        sourceComponent: MenuBar {
         Menu {
             title: "&View"
-            Action { text: "Toggle sidebar"; shortcut: "Ctrl+0"; onTriggered: sidebar.visible = !sidebar.visible }
+            Action { text: "Toggle sidebar"; shortcut: "Ctrl+0"; onTriggered: window.sidebarShown = !window.sidebarShown }
             Action { text: "Update weather info"; shortcut: "Ctrl+Shift+W"; onTriggered: window.viewModel.updateWeatherInfo() }
             MenuSeparator {}
             Action { text: "iPhone"; shortcut: "Ctrl+1"; onTriggered: window.viewModel.isDialerShown = true }
@@ -89,9 +106,14 @@ ApplicationWindow {
             Action { text: "Make call from clipboard"; shortcut: "Ctrl+Shift+V"; onTriggered: window.viewModel.makeCallFromClipboard() }
             Action { text: "Create new Google Meet call"; shortcut: "Ctrl+Shift+G"; onTriggered: window.viewModel.startNewGoogleMeet() }
         }
+        }
     }
 
-    header: ToolBar {
+    header: Loader {
+        id: headerLoader
+        asynchronous: true
+        sourceComponent: ToolBar {
+        property alias weatherCard: weatherCard
         RowLayout {
             anchors.fill: parent
             anchors.leftMargin: 6
@@ -100,7 +122,7 @@ ApplicationWindow {
                 objectName: "toggleSidebar"
                 Accessible.name: "Toggle sidebar"
                 contentItem: SymbolIcon { name: "sidebar.left"; size: 22 }
-                onClicked: sidebar.visible = !sidebar.visible
+                onClicked: window.sidebarShown = !window.sidebarShown
             }
             Label {
                 text: "Telverra"
@@ -114,13 +136,18 @@ ApplicationWindow {
             }
             ToolbarPopupMenu { viewModel: window.viewModel }
         }
+        }
     }
 
-    SplitView {
+    Loader {
+        id: contentLoader
         anchors.fill: parent
+        asynchronous: true
+        sourceComponent: SplitView {
+        property alias favorites: favoritesLoader
 
         SidebarListView {
-            id: sidebar
+            visible: window.sidebarShown
             SplitView.preferredWidth: 210
             SplitView.minimumWidth: 170
             SplitView.maximumWidth: 320
@@ -139,8 +166,9 @@ ApplicationWindow {
             // Each section is built when first shown, then kept.
             Loader { active: window.builtSections.indexOf("dialer") >= 0; sourceComponent: dialerSection }
             Loader { active: window.builtSections.indexOf("recents") >= 0; sourceComponent: recentsSection }
-            Loader { active: window.builtSections.indexOf("favorites") >= 0; sourceComponent: favoritesSection }
+            Loader { id: favoritesLoader; active: window.builtSections.indexOf("favorites") >= 0; sourceComponent: favoritesSection }
             Loader { active: window.builtSections.indexOf("contacts") >= 0; sourceComponent: contactsSection }
+        }
         }
     }
 
@@ -158,6 +186,7 @@ ApplicationWindow {
         // Made anew at each opening, so that it shows the preferences as they are then.
         SettingsView {
             viewModel: window.viewModel
+            palette: window.palette // the same light or dark
             onClosing: Qt.callLater(() => settingsLoader.active = false)
         }
     }
@@ -179,21 +208,27 @@ ApplicationWindow {
         AllContactsView { viewModel: window.viewModel }
     }
 
-    Dialog {
+    // The launch-error alert, made when first needed.
+    Loader {
         id: errorAlert
-        objectName: "errorAlert"
-        anchors.centerIn: parent
-        modal: true
-        title: "Error trying to launch call"
-        standardButtons: Dialog.Ok
-        // A fixed width keeps the wrapped text from feeding back into the dialog's own size.
-        width: Math.min(460, window.width * 0.8)
-        Label {
-            objectName: "errorAlertText"
-            text: window.viewModel.callManagerErrorMessage
-            wrapMode: Text.Wrap
-            width: errorAlert.availableWidth
+        active: false
+        sourceComponent: Dialog {
+            id: alert
+            objectName: "errorAlert"
+            parent: Overlay.overlay
+            anchors.centerIn: parent
+            modal: true
+            title: "Error trying to launch call"
+            standardButtons: Dialog.Ok
+            // A fixed width keeps the wrapped text from feeding back into the dialog's own size.
+            width: Math.min(460, window.width * 0.8)
+            Label {
+                objectName: "errorAlertText"
+                text: window.viewModel.callManagerErrorMessage
+                wrapMode: Text.Wrap
+                width: alert.availableWidth
+            }
+            Component.onCompleted: standardButton(Dialog.Ok).text = "Ok"
         }
-        Component.onCompleted: standardButton(Dialog.Ok).text = "Ok"
     }
 }

@@ -5,8 +5,9 @@
 /// window's threads keep the processor.
 namespace ThreadPriority {
 
-/// The nice value the background work runs at.
-inline constexpr int background = 10;
+/// The nice value the background work runs at: the lowest priority, so that it takes the processor only when the
+/// window does not need it.
+inline constexpr int background = 19;
 
 /// The calling thread's nice value.
 int niceness();

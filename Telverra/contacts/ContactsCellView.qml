@@ -121,7 +121,9 @@ ItemDelegate {
                         width: 30
                         height: 30
                         enabled: available
-                        focusPolicy: Qt.NoFocus
+                        focusPolicy: Qt.TabFocus
+                        Keys.onReturnPressed: clicked()
+                        Keys.onEnterPressed: clicked()
                         Accessible.role: Accessible.Button
                         Accessible.name: cell.actionNames[modelData] + " " + cell.name
                         ToolTip.visible: hovered
@@ -138,6 +140,8 @@ ItemDelegate {
                         background: Rectangle {
                             radius: width / 2
                             color: action.hovered && action.available ? cell.palette.midlight : "transparent"
+                            border.width: action.visualFocus ? 2 : 0
+                            border.color: cell.palette.highlight
                         }
                         onClicked: cell.startAction(modelData)
                     }

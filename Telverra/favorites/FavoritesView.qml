@@ -18,6 +18,7 @@ Item {
     property int dragFrom: -1
     property int dragTo: -1
 
+    function openLinkEditor() { editor.openToAdd() }
     // What the rows ask for.
     function openContactMenu(identifier, name) {
         menuContact = identifier

@@ -20,7 +20,7 @@ ApplicationWindow {
     color: palette.window
 
     Shortcut {
-        sequence: StandardKey.Close
+        sequences: [StandardKey.Close]
         onActivated: settings.close()
     }
 

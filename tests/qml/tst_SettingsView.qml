@@ -43,7 +43,6 @@ TestCase {
                            quickActionIsSetForFacetimeAudioCalls: false, quickActionIsSetForSkype: false }
         for (const key of Object.keys(expected))
             compare(find(key).checked, expected[key], key)
-        fresh.destroy()
     }
 
     function test_everySwitchWritesItsKey_data() {

@@ -23,7 +23,7 @@ TestCase {
         window = component.createObject(null, { viewModel: viewModel })
         verify(window !== null, component.errorString())
         window.requestActivate()
-        tryVerify(() => window.active)
+        tryVerify(() => window.active && window.loaded) // its parts are built after it shows
         testSupport.clearLaunches()
     }
     function cleanup() {

@@ -1,0 +1,165 @@
+// contacts_screen ROOT [STEP]: the contacts screen over the address book in the vdir ROOT, in a window, as the
+// application shows it. Once the list is in, it scrolls from top to bottom, STEP pixels a frame (2,000 by default: a
+// fast fling, a new screenful of rows every frame), then jumps to every letter of the alphabet index; it prints the
+// time each frame took, from the change to the frame on screen, and quits. Run under /usr/bin/time -v for the peak
+// memory (compare with an empty ROOT). Needs a display (xvfb-run).
+#include "app/HomeWindowViewModel.h"
+#include "app/SymbolIconProvider.h"
+#include "calls/CallsManager.h"
+#include "calls/Clipboard.h"
+#include "calls/Workspace.h"
+#include "contacts/ContactPhotoProvider.h"
+#include "contacts/ContactStoreManager.h"
+#include "contacts/ContactsDataService.h"
+#include "contacts/ContactsListModel.h"
+#include "contacts/VCardDirectoryStore.h"
+#include "settings/Preferences.h"
+#include "store/CoreDataManager.h"
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickStyle>
+#include <QQuickView>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtQml/qqmlextensionplugin.h>
+
+#include <algorithm>
+#include <cstdio>
+
+Q_IMPORT_QML_PLUGIN(TelverraPlugin)
+
+namespace {
+
+class NoWorkspace : public Workspace
+{
+public:
+    void open(const LaunchAddress &) override {}
+    void openWithApplication(const LaunchAddress &, const QString &, OpenCompletion) override {}
+};
+
+void report(const char *what, std::vector<double> times)
+{
+    if (times.empty()) {
+        std::printf("%s: no frames\n", what);
+        return;
+    }
+    std::sort(times.begin(), times.end());
+    auto at = [&times](double share) {
+        return times[std::min(times.size() - 1, size_t(share * double(times.size())))];
+    };
+    std::printf("%s: %zu frames, median %.2f ms, 99th percentile %.2f ms, slowest %.2f ms, over 16 ms: %zu\n", what,
+                times.size(), at(0.5), at(0.99), times.back(),
+                size_t(std::count_if(times.begin(), times.end(), [](double t) { return t > 16.0; })));
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QGuiApplication app(argc, argv);
+    QQuickStyle::setStyle(QStringLiteral("Fusion"));
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: contacts_screen ROOT [STEP]\n");
+        return 2;
+    }
+    const double step = argc > 2 ? QByteArray(argv[2]).toDouble() : 2000;
+    QTemporaryDir home;
+    Preferences preferences(home.path() + u"/telverra.conf");
+    preferences.setValue(PreferenceKey::fixedQuoteOnStartup, true);
+    NoWorkspace workspace;
+    SystemClipboard clipboard;
+    CallsManager calls(workspace, preferences, clipboard);
+    CoreDataManager store(home.path() + u"/Telverra.sqlite");
+    VCardDirectoryStore folder(QStringList{QString::fromLocal8Bit(argv[1])});
+    ContactStoreManager manager(folder);
+    HomeWindowViewModel::Environment environment{&preferences, &calls, &store, &manager, &clipboard};
+    environment.headless = true; // no weather or quote: the screen alone
+    HomeWindowViewModel viewModel(environment);
+
+    QQuickView view;
+    view.engine()->addImportPath(QStringLiteral("qrc:/qt/qml"));
+    view.engine()->addImageProvider(QStringLiteral("symbols"), new SymbolIconProvider);
+    const ContactsDataService *contacts = &viewModel.contactsDataService();
+    view.engine()->addImageProvider(
+        QStringLiteral("contactphoto"),
+        new ContactPhotoProvider([contacts](const QString &id) { return contacts->record(id); }));
+    view.setInitialProperties({{QStringLiteral("viewModel"), QVariant::fromValue(&viewModel)}});
+    view.setResizeMode(QQuickView::SizeRootObjectToView);
+    view.resize(1000, 680);
+    view.setSource(QUrl(QStringLiteral("qrc:/qt/qml/Telverra/contacts/AllContactsView.qml")));
+    if (!view.rootObject()) {
+        return 1;
+    }
+    view.show();
+    QQuickItem *list = view.rootObject()->findChild<QQuickItem *>(QStringLiteral("contactsList"));
+    auto *model = qobject_cast<ContactsListModel *>(viewModel.contactsModel());
+
+    QElapsedTimer clock;
+    clock.start();
+    QElapsedTimer frame;
+    std::vector<double> scrolling;
+    std::vector<double> jumps;
+    QStringList letters;
+    enum class Phase
+    {
+        loading,
+        scroll,
+        jump
+    } phase = Phase::loading;
+    auto change = std::make_shared<std::function<void()>>();
+    *change = [&] {
+        if (phase == Phase::loading) {
+            if (model->rowCount() == 0 || contacts->isLoading()) {
+                return;
+            }
+            std::printf("list in after %.0f ms: %d rows, %d contacts\n", double(clock.elapsed()), model->rowCount(),
+                        model->contactCount());
+            phase = Phase::scroll;
+            QMetaObject::invokeMethod(list, "positionViewAtBeginning");
+        }
+        if (phase == Phase::scroll) {
+            const double y = list->property("contentY").toDouble();
+            const double end =
+                list->property("contentHeight").toDouble() - list->height() + list->property("originY").toDouble();
+            if (y >= end - 1) {
+                phase = Phase::jump;
+                letters = model->letters();
+            } else {
+                frame.start();
+                list->setProperty("contentY", std::min(end, y + step));
+                return;
+            }
+        }
+        if (letters.isEmpty()) {
+            report("scrolling from top to bottom", scrolling);
+            report("jumps by the alphabet index", jumps);
+            QCoreApplication::quit();
+            return;
+        }
+        frame.start();
+        QMetaObject::invokeMethod(view.rootObject(), "jumpTo", Q_ARG(QVariant, letters.takeFirst()));
+        view.update(); // a frame even when the section is in view already
+    };
+    QObject::connect(&view, &QQuickWindow::frameSwapped, &app, [&] {
+        const double took = double(frame.nsecsElapsed()) / 1e6;
+        if (frame.isValid()) {
+            (phase == Phase::jump ? jumps : scrolling).push_back(took);
+            frame.invalidate();
+        }
+        // The next change from the event loop, once this frame is done.
+        QTimer::singleShot(0, &app, [change] { (*change)(); });
+    });
+    // Frames stop when nothing changes: while the list loads, look again now and then.
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &app, [&] {
+        if (phase == Phase::loading) {
+            (*change)();
+            view.update();
+        }
+    });
+    poll.start(50);
+    return QGuiApplication::exec();
+}
