@@ -5,7 +5,9 @@
 #include "contacts/ContactsDataService.h"
 
 #include <QDBusArgument>
+#include <QDBusMessage>
 #include <QDBusMetaType>
+#include <QTimer>
 #include <QtConcurrent>
 
 namespace {
@@ -104,10 +106,47 @@ DesktopSearch::DesktopSearch(HomeWindowViewModel &viewModel, std::function<void(
     qDBusRegisterMetaType<QList<QVariantMap>>();
     auto stale = [this] { m_stale = true; };
     connect(&viewModel, &HomeWindowViewModel::allContactsChanged, this, stale);
+    // The queries that came while the address book was being read are answered once it has been.
+    auto answerWaiting = [this] {
+        if (isReady()) {
+            const QList<std::function<void()>> waiting = std::exchange(m_waiting, {});
+            for (const auto &answer : waiting) {
+                answer();
+            }
+        }
+    };
+    connect(&viewModel.contactsDataService(), &ContactsDataService::allContactsChanged, this, answerWaiting,
+            Qt::QueuedConnection); // after the view model has taken the new list
+    connect(&viewModel.contactsDataService(), &ContactsDataService::loadingChanged, this, answerWaiting,
+            Qt::QueuedConnection);
     connect(&viewModel, &HomeWindowViewModel::allFavoriteTelcosChanged, this, stale);
 }
 
 DesktopSearch::~DesktopSearch() = default;
+
+bool DesktopSearch::isReady() const
+{
+    const ContactsDataService &contacts = m_viewModel.contactsDataService();
+    return contacts.hasLoaded() || !contacts.isLoading();
+}
+
+void DesktopSearch::whenReady(std::function<void()> answer)
+{
+    if (isReady()) {
+        answer();
+        return;
+    }
+    m_waiting.append(std::move(answer));
+    if (m_waiting.size() == 1) {
+        QTimer::singleShot(readyTimeout, this, [this] {
+            // An address book too slow to wait for: the search goes on with what there is.
+            const QList<std::function<void()>> waiting = std::exchange(m_waiting, {});
+            for (const auto &late : waiting) {
+                late();
+            }
+        });
+    }
+}
 
 bool DesktopSearch::registerOn(QDBusConnection bus)
 {
@@ -121,10 +160,12 @@ bool DesktopSearch::registerOn(QDBusConnection bus)
 
 const DesktopSearchIndex &DesktopSearch::index()
 {
-    if (!m_index) {
-        // The first query waits for the index (with a large address book, about the time of reading it).
+    if (!m_index || (m_stale && !m_indexComplete)) {
+        // The first query waits for the index (with a large address book, about the time of reading it), and so does
+        // the first after an index made before the address book had been read.
         m_index =
             std::make_shared<const DesktopSearchIndex>(m_viewModel.allContacts(), m_viewModel.allFavoriteTelcos());
+        m_indexComplete = m_viewModel.contactsDataService().hasLoaded();
         m_stale = false;
     } else if (m_stale && !m_rebuilding) {
         // Later ones are answered from the index there is while the new one is made.
@@ -211,6 +252,19 @@ QList<RemoteAction> KRunnerService::Actions()
 
 QList<RemoteMatch> KRunnerService::Match(const QString &query)
 {
+    if (m_search.isReady() || !calledFromDBus()) {
+        return matches(query);
+    }
+    // The first query of a process the bus has just started: answered once the address book has been read.
+    setDelayedReply(true);
+    m_search.whenReady([this, query, call = message(), bus = connection()] {
+        bus.send(call.createReply(QVariant::fromValue(matches(query))));
+    });
+    return {};
+}
+
+QList<RemoteMatch> KRunnerService::matches(const QString &query)
+{
     QList<RemoteMatch> matches;
     for (const DesktopSearchResult &result : m_search.search(DesktopSearchIndex::terms(query))) {
         RemoteMatch match;
@@ -281,6 +335,18 @@ GnomeSearchProvider::GnomeSearchProvider(DesktopSearch &search)
 {}
 
 QStringList GnomeSearchProvider::GetInitialResultSet(const QStringList &terms)
+{
+    if (m_search.isReady() || !calledFromDBus()) {
+        return resultSet(terms);
+    }
+    setDelayedReply(true);
+    m_search.whenReady([this, terms, call = message(), bus = connection()] {
+        bus.send(call.createReply(QVariant::fromValue(resultSet(terms))));
+    });
+    return {};
+}
+
+QStringList GnomeSearchProvider::resultSet(const QStringList &terms)
 {
     QStringList identifiers;
     for (const DesktopSearchResult &result : m_search.search(terms)) {

@@ -3,6 +3,7 @@
 #include "search/DesktopSearchIndex.h"
 
 #include <QDBusConnection>
+#include <QDBusContext>
 #include <QObject>
 #include <QVariantMap>
 
@@ -75,6 +76,12 @@ public:
     /// Registers KRunner's runner and GNOME Shell's search provider on the session bus connection.
     bool registerOn(QDBusConnection bus);
 
+    /// Whether the address book has been read (or could not be): a query answered before would find nobody.
+    bool isReady() const;
+    /// Runs `answer` once the address book has been read, or after readyTimeout at the latest.
+    void whenReady(std::function<void()> answer);
+    static constexpr int readyTimeout = 10000;
+
 Q_SIGNALS:
     /// A query or an activation came: the desktop still uses the search.
     void used();
@@ -87,13 +94,15 @@ private:
     std::shared_ptr<const DesktopSearchIndex> m_index;
     bool m_stale = true;
     bool m_rebuilding = false;
+    bool m_indexComplete = false;
+    QList<std::function<void()>> m_waiting;
     std::unique_ptr<QObject> m_krunner;
     std::unique_ptr<QObject> m_gnome;
 };
 
 /// org.kde.krunner1, at /org/telverra/Telverra/krunner: one match per contact or link, with the contact's ways to reach
 /// it as the match's actions.
-class KRunnerService : public QObject
+class KRunnerService : public QObject, protected QDBusContext
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.krunner1")
@@ -107,12 +116,14 @@ public Q_SLOTS:
     Q_SCRIPTABLE void Run(const QString &matchId, const QString &actionId);
 
 private:
+    QList<RemoteMatch> matches(const QString &query);
+
     DesktopSearch &m_search;
 };
 
 /// org.gnome.Shell.SearchProvider2, at /org/telverra/Telverra/SearchProvider: one result per launch ("Call Ana García
 /// (mobile …)", "Message …", "Mail …", a link).
-class GnomeSearchProvider : public QObject
+class GnomeSearchProvider : public QObject, protected QDBusContext
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.gnome.Shell.SearchProvider2")
@@ -128,5 +139,7 @@ public Q_SLOTS:
     Q_SCRIPTABLE void LaunchSearch(const QStringList &terms, uint timestamp);
 
 private:
+    QStringList resultSet(const QStringList &terms);
+
     DesktopSearch &m_search;
 };

@@ -19,6 +19,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusMetaType>
+#include <QDBusPendingCall>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -57,6 +58,7 @@ private Q_SLOTS:
     void badInput();
     void launchSearchOpensTheContactsScreen();
     void pluginFiles();
+    void aQueryWaitsForTheAddressBook();
     void servedByAnActivatedProcess();
 
 private:
@@ -298,6 +300,40 @@ void tst_DesktopSearch::pluginFiles()
     QCOMPARE(provider.value(u"ObjectPath"_qs).toString(), QString::fromLatin1(GnomeSearchProvider::path));
     QCOMPARE(provider.value(u"Version"_qs).toInt(), 2);
     QVERIFY(QFile::exists(QStringLiteral(TELVERRA_DATA "/") + provider.value(u"DesktopId"_qs).toString()));
+}
+
+// A query that comes while the address book is still being read (a process the bus has just started) is answered once
+// it has been, not with nobody.
+void tst_DesktopSearch::aQueryWaitsForTheAddressBook()
+{
+    TestHome home;
+    QByteArray cards;
+    for (int index = 0; index < 3000; ++index) {
+        cards += "BEGIN:VCARD\nUID:" + QByteArray::number(index) + "\nN:Person;Number " + QByteArray::number(index) +
+                 ";;;\nTEL:+1 555 " + QByteArray::number(1000000 + index) + "\nEND:VCARD\n";
+    }
+    home.writeFile(u".local/share/contacts/many/many.vcf"_qs, cards);
+    VCardDirectoryStore addressBook;
+    ContactStoreManager contacts(addressBook);
+    HomeWindowViewModel::Environment environment{m_preferences.get(), m_calls.get(), m_store.get(), &contacts,
+                                                 &m_clipboard};
+    environment.headless = true;
+    HomeWindowViewModel viewModel(environment);
+    DesktopSearch search(viewModel, [](const QString &) {});
+    QDBusConnection server = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"starting"_qs);
+    QVERIFY(search.registerOn(server));
+    QDBusConnection client = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"shell"_qs);
+    QDBusMessage query = QDBusMessage::createMethodCall(server.baseService(), QString::fromLatin1(KRunnerService::path),
+                                                        krunner, u"Match"_qs);
+    query << u"number 2999"_qs;
+    QDBusPendingCall pending = client.asyncCall(query, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(pending.isFinished(), 20000);
+    QVERIFY(viewModel.contactsDataService().hasLoaded());
+    QList<RemoteMatch> matches;
+    pending.reply().arguments().value(0).value<QDBusArgument>() >> matches;
+    QCOMPARE(matches.size(), 1);
+    QCOMPARE(matches.first().text, u"Number 2999 Person"_qs);
+    QDBusConnection::disconnectFromBus(u"starting"_qs);
 }
 
 // No window runs: the bus starts the program for the query, and a result activated there is launched and recorded.
