@@ -345,6 +345,11 @@ int run(int argc, char *argv[])
         return 1;
     }
     window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
+    // The address book is read once the window is on screen.
+    QObject::connect(
+        window, &QQuickWindow::frameSwapped, &viewModel.contactsDataService(),
+        [&viewModel] { viewModel.contactsDataService().allowBackgroundReading(); },
+        static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
     if (!action.isEmpty()) {
         DesktopActivation::runAction(viewModel, action);
     }

@@ -390,8 +390,8 @@ void HomeWindowViewModel::runContactFilter()
 
 void HomeWindowViewModel::resolveFavoriteContacts()
 {
-    // Until the address book has been read there is nobody to find (and a look-up would read every book on this
-    // thread); the first list read resolves them.
+    // Until the address book has been read there is nobody to find; the first list read resolves them (the manager
+    // looks them up in that list, without reading every book on this thread).
     if (!m_contactsDataService->hasLoaded()) {
         return;
     }

@@ -63,6 +63,13 @@ bool KeyedListModel::moveOneRow(QList<Row> &rows, const QList<Row> &next, KeyOf 
 template<class Row, class KeyOf>
 void KeyedListModel::replaceRows(QList<Row> &rows, QList<Row> next, KeyOf key)
 {
+    if ((rows.isEmpty() || next.isEmpty()) && rows.size() + next.size() > 64) {
+        // Nothing kept of a large list: it is filled or emptied at once, without making the keys of its rows.
+        beginResetModel();
+        rows = std::move(next);
+        endResetModel();
+        return;
+    }
     using Key = decltype(key(rows.first()));
     QSet<Key> oldKeys;
     QSet<Key> newKeys;

@@ -15,8 +15,8 @@ Contact::Contact(SharedVCardContact contact)
 QString Contact::fullName(const VCardContact &contact)
 {
     QStringList parts;
-    for (const QString *part :
-         {&contact.namePrefix, &contact.givenName, &contact.middleName, &contact.familyName, &contact.nameSuffix}) {
+    for (const QString *part : {&contact.details().namePrefix, &contact.givenName, &contact.details().middleName,
+                                &contact.familyName, &contact.details().nameSuffix}) {
         if (!part->isEmpty()) {
             parts.append(*part);
         }

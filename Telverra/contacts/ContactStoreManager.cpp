@@ -82,8 +82,26 @@ void ContactStoreManager::fetchAllContacts(const std::optional<QStringList> &key
     completion(results);
 }
 
+void ContactStoreManager::setLookup(const QObject *owner, Lookup lookup)
+{
+    if (lookup) {
+        m_lookupOwner = owner;
+        m_lookup = std::move(lookup);
+    } else if (owner == m_lookupOwner) {
+        m_lookupOwner = nullptr;
+        m_lookup = nullptr;
+    }
+}
+
 std::optional<Contact> ContactStoreManager::fetchContact(const QString &identifier)
 {
+    if (m_lookup) {
+        if (SharedVCardContact found = m_lookup(identifier)) {
+            return Contact(std::move(found));
+        }
+        Trace::line(u"Error fetching contact with id: '" + identifier + u"'from containers");
+        return std::nullopt;
+    }
     ContactStore::ContactResult result = m_store.unifiedContact(identifier);
     if (!result.contact) {
         Trace::line(u"Error fetching contact with id: '" + identifier + u"'from containers");

@@ -41,6 +41,13 @@ public:
     /// One contact by identifier, with its collections empty; nothing (and a line) when it cannot be fetched.
     std::optional<Contact> fetchContact(const QString &identifier);
 
+    /// Answers fetchContact() from the address book as last read, instead of reading the books for each look-up.
+    /// `owner` names who answers, so that only it takes the answers back (with nullptr).
+    using Lookup = std::function<SharedVCardContact(const QString &identifier)>;
+    void setLookup(const QObject *owner, Lookup lookup);
+
 private:
     ContactStore &m_store;
+    const QObject *m_lookupOwner = nullptr;
+    Lookup m_lookup;
 };

@@ -1,12 +1,14 @@
 #include "ContactsDataService.h"
 
 #include "ContactStoreManager.h"
+#include "common/ReleaseMemory.h"
 #include "common/TextFolding.h"
 #include "common/ThreadPriority.h"
 
 #include <QPointer>
 #include <QThread>
 #include <QThreadPool>
+#include <QTimer>
 #include <QtConcurrent>
 
 #include <algorithm>
@@ -44,13 +46,18 @@ ContactsDataService::ContactsDataService(ContactStoreManager *manager, ReadPrior
     : QObject(parent)
     , m_manager(manager ? manager : &ContactStoreManager::shared())
     , m_priority(priority)
+    , m_readingAllowed(priority == ReadPriority::normal)
 {
+    if (!m_readingAllowed) {
+        QTimer::singleShot(backgroundStartDelay, this, &ContactsDataService::allowBackgroundReading);
+    }
     loadContacts();
     connect(&m_manager->contactStore(), &ContactStore::didChange, this, &ContactsDataService::addressBookDidChange);
 }
 
 ContactsDataService::~ContactsDataService()
 {
+    m_manager->setLookup(this, nullptr);
     m_read.waitForFinished();
 }
 
@@ -95,8 +102,30 @@ void ContactsDataService::addressBookDidChange()
         Qt::QueuedConnection);
 }
 
+void ContactsDataService::allowBackgroundReading()
+{
+    if (m_readingAllowed) {
+        return;
+    }
+    m_readingAllowed = true;
+    if (m_fetchHeld) {
+        m_fetchHeld = false;
+        m_loading = false;
+        startFetch();
+    }
+}
+
 void ContactsDataService::startFetch()
 {
+    if (!m_readingAllowed) {
+        // Held until the window shows; the screens meanwhile say the address book is being read.
+        if (!m_fetchHeld) {
+            m_fetchHeld = true;
+            m_loading = true;
+            Q_EMIT loadingChanged();
+        }
+        return;
+    }
     if (m_loading) {
         // What is being read is already out of date: its results are dropped, and the books read again after it.
         ++m_generation;
@@ -124,14 +153,14 @@ void ContactsDataService::startFetch()
                 const std::vector<qsizetype> order = familyNameOrder(records);
                 QList<Contact> contacts;
                 contacts.reserve(records.size());
-                auto directory = std::make_shared<Directory>();
-                directory->reserve(records.size());
                 for (qsizetype index : order) {
-                    if (!directory->contains(records[index]->identifier)) { // the first of duplicates
-                        directory->insert(records[index]->identifier, contacts.size());
-                    }
                     contacts.append(Contact(std::move(records[index])));
                 }
+                auto directory = std::make_shared<Directory>(static_cast<size_t>(contacts.size()));
+                std::iota(directory->begin(), directory->end(), 0u);
+                std::stable_sort(directory->begin(), directory->end(), [&contacts](quint32 a, quint32 b) {
+                    return contacts.at(a).record()->identifier < contacts.at(b).record()->identifier;
+                });
                 records.clear();
                 QMetaObject::invokeMethod(
                     this,
@@ -140,6 +169,7 @@ void ContactsDataService::startFetch()
                     },
                     Qt::QueuedConnection);
             });
+            releaseFreedMemory();
             QMetaObject::invokeMethod(this, &ContactsDataService::readFinished, Qt::QueuedConnection);
         });
 }
@@ -166,6 +196,10 @@ void ContactsDataService::publishList(quint64 generation, QList<Contact> contact
         m_directory = std::move(directory);
         m_directoryContacts = m_allContacts;
     }
+    if (!m_hasLoaded) {
+        // From now on a look-up by identifier finds the contact in this list.
+        m_manager->setLookup(this, [this](const QString &identifier) { return record(identifier); });
+    }
     m_hasLoaded = true;
     Q_EMIT allContactsChanged();
 }
@@ -187,8 +221,15 @@ std::optional<Contact> ContactsDataService::contact(const QString &identifier) c
     if (!m_directory) {
         return std::nullopt;
     }
-    const auto found = m_directory->constFind(identifier);
-    return found == m_directory->cend() ? std::nullopt : std::optional<Contact>(m_directoryContacts.at(*found));
+    // The first of the contacts with the identifier, as the list shows them.
+    const auto found = std::lower_bound(m_directory->cbegin(), m_directory->cend(), identifier,
+                                        [this](quint32 position, const QString &wanted) {
+                                            return m_directoryContacts.at(position).record()->identifier < wanted;
+                                        });
+    if (found == m_directory->cend() || m_directoryContacts.at(*found).record()->identifier != identifier) {
+        return std::nullopt;
+    }
+    return m_directoryContacts.at(*found);
 }
 
 SharedVCardContact ContactsDataService::record(const QString &identifier) const

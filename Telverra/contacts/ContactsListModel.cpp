@@ -2,6 +2,7 @@
 
 #include "ContactFiling.h"
 #include "SelectableKeyTag.h"
+#include "common/ReleaseMemory.h"
 #include "settings/Preferences.h"
 
 #include <QUrl>
@@ -70,6 +71,7 @@ void ContactsListModel::apply(Computed computed)
     // A row's section is its letter's position, so other letters renumber the sections: the shared rows take the
     // new numbers as they are replaced.
     const bool lettersChange = computed.letters != m_letters;
+    const bool large = std::max(m_rows.size(), computed.rows.size()) > 10000;
     m_letters = std::move(computed.letters);
     replaceRows(m_rows, std::move(computed.rows), [](const Row &row) {
         return std::pair(quintptr(row.record.get()), row.underNumbers ? -1 : row.occurrence);
@@ -83,6 +85,9 @@ void ContactsListModel::apply(Computed computed)
     if (m_contactCount != computed.contactCount) {
         m_contactCount = computed.contactCount;
         Q_EMIT contactCountChanged();
+    }
+    if (large) {
+        releaseFreedMemory(); // the rows replaced, and what filing them took
     }
 }
 

@@ -272,13 +272,14 @@ ContactStore::ContactsResult VCardDirectoryStore::unifiedContacts(const QString 
         QList<SharedVCardContact> contacts;
         contacts.reserve(end - begin);
         QByteArray buffer; // one buffer for every file of the range
+        VCardReader::Labels labels;
         for (qsizetype i = begin; i < end; ++i) {
             const QByteArray &name = names.at(i);
             if (!VCardReader::readRegularFile(directory, name.constData(), buffer)) {
                 continue;
             }
             const auto source = [&prefix, &name]() -> QString { return prefix + QFile::decodeName(name); };
-            for (VCardContact &card : VCardReader::read(buffer, source)) {
+            for (VCardContact &card : VCardReader::read(buffer, source, &labels)) {
                 contacts.append(std::make_shared<const VCardContact>(std::move(card)));
             }
         }
@@ -298,10 +299,6 @@ ContactStore::ContactsResult VCardDirectoryStore::unifiedContacts(const QString 
         pool->setMaxThreadCount(std::clamp(QThread::idealThreadCount(), 1, 8));
         return pool;
     }();
-    const quint64 changes = [this] {
-        QMutexLocker lock(&m_booksMutex);
-        return m_changes;
-    }();
     QList<QFuture<QList<SharedVCardContact>>> others;
     for (qsizetype range = 1; range < ranges; ++range) {
         others.append(QtConcurrent::run(rangeReaders, readRangeAtCallersPriority, names.size() * range / ranges,
@@ -313,37 +310,14 @@ ContactStore::ContactsResult VCardDirectoryStore::unifiedContacts(const QString 
     }
     ::close(directory);
 
-    // Remembered for look-ups by identifier, unless the book changed while it was read.
-    QHash<QString, SharedVCardContact> byIdentifier;
-    byIdentifier.reserve(result.contacts.size());
-    for (const SharedVCardContact &contact : std::as_const(result.contacts)) {
-        if (!byIdentifier.contains(contact->identifier)) { // the first of duplicates, as a list shows them
-            byIdentifier.insert(contact->identifier, contact);
-        }
-    }
-    QMutexLocker lock(&m_booksMutex);
-    if (m_changes == changes) {
-        m_books.insert(containerIdentifier, std::move(byIdentifier));
-    }
     return result;
 }
 
 ContactStore::ContactResult VCardDirectoryStore::unifiedContact(const QString &identifier)
 {
-    // The first book, in container order, that holds the identifier: as a list shows duplicates. A book not read since
-    // the last change is read now.
+    // The first book, in container order, that holds the identifier: as a list shows duplicates. The books are read
+    // for it (the window looks its contacts up in the list it has read instead).
     for (const Container &container : containers().containers) {
-        {
-            QMutexLocker lock(&m_booksMutex);
-            const auto book = m_books.constFind(container.identifier);
-            if (book != m_books.cend()) {
-                const auto found = book->constFind(identifier);
-                if (found != book->cend()) {
-                    return {**found, {}};
-                }
-                continue;
-            }
-        }
         for (const SharedVCardContact &contact : unifiedContacts(container.identifier).contacts) {
             if (contact->identifier == identifier) {
                 return {*contact, {}};
@@ -356,6 +330,8 @@ ContactStore::ContactResult VCardDirectoryStore::unifiedContact(const QString &i
 void VCardDirectoryStore::watch()
 {
     QMetaObject::invokeMethod(m_watcher, [this] {
+        // Never urgent: the window and the reading come first.
+        ThreadPriority::raiseNiceness(ThreadPriority::background);
         QStringList paths;
         for (const Root &root : std::as_const(m_roots)) {
             // The parent too, so that a root made later is noticed.
@@ -408,11 +384,6 @@ bool VCardDirectoryStore::isWatching() const
 
 void VCardDirectoryStore::settle()
 {
-    {
-        QMutexLocker lock(&m_booksMutex);
-        ++m_changes;
-        m_books.clear();
-    }
     watch();
     Q_EMIT didChange();
 }

@@ -67,8 +67,4 @@ private:
     QFileSystemWatcher *m_watcher; // lives in m_watchThread
     QAtomicInt m_watching;
     QTimer m_debounce;
-    // Each book's contacts by identifier (the first of duplicates), as last read; all dropped on every change.
-    QMutex m_booksMutex;
-    QHash<QString, QHash<QString, SharedVCardContact>> m_books;
-    quint64 m_changes = 0;
 };

@@ -520,7 +520,7 @@ class CardBuilder
 {
 public:
     void add(const Property &property);
-    VCardContact finish(const std::function<QString()> &source, int index);
+    VCardContact finish(const std::function<QString()> &source, int index, VCardReader::Labels *labels);
     bool isEmpty() const { return m_properties == 0; }
 
 private:
@@ -625,9 +625,12 @@ void CardBuilder::add(const Property &property)
         const QStringList parts = structured(property, 5);
         m_contact.familyName = parts[0];
         m_contact.givenName = parts[1];
-        m_contact.middleName = parts[2];
-        m_contact.namePrefix = parts[3];
-        m_contact.nameSuffix = parts[4];
+        if (!parts[2].isEmpty() || !parts[3].isEmpty() || !parts[4].isEmpty()) {
+            VCardContact::Details &details = m_contact.editDetails();
+            details.middleName = parts[2];
+            details.namePrefix = parts[3];
+            details.nameSuffix = parts[4];
+        }
         m_hasName = true;
         break;
     }
@@ -642,7 +645,7 @@ void CardBuilder::add(const Property &property)
                 lines.append(parts[i]);
             }
         }
-        labelled(m_contact.postalAddresses, property, lines.join(u", "));
+        labelled(m_contact.editDetails().postalAddresses, property, lines.join(u", "));
         break;
     }
     case Field::phone:
@@ -663,7 +666,7 @@ void CardBuilder::add(const Property &property)
         break;
     case Field::socialProfile:
         if (std::optional<QString> profile = text(property)) {
-            labelled(m_contact.socialProfiles, property, std::move(*profile));
+            labelled(m_contact.editDetails().socialProfiles, property, std::move(*profile));
         }
         break;
     case Field::groupLabel:
@@ -679,8 +682,8 @@ void CardBuilder::add(const Property &property)
     case Field::formattedName:
         if (std::optional<QString> value = text(property)) {
             QString &target = field == Field::identifier ? m_contact.identifier
-                              : field == Field::nickname ? m_contact.nickname
-                              : field == Field::title    ? m_contact.jobTitle
+                              : field == Field::nickname ? m_contact.editDetails().nickname
+                              : field == Field::title    ? m_contact.editDetails().jobTitle
                                                          : m_formattedName;
             target = std::move(*value);
         }
@@ -688,7 +691,7 @@ void CardBuilder::add(const Property &property)
     case Field::birthday: {
         const QString value = decodedText(property);
         if (value.size() <= VCardReader::maximumValueLength) {
-            m_contact.birthday = parseBirthday(value.trimmed());
+            m_contact.editDetails().birthday = parseBirthday(value.trimmed());
         }
         break;
     }
@@ -697,7 +700,7 @@ void CardBuilder::add(const Property &property)
     }
 }
 
-VCardContact CardBuilder::finish(const std::function<QString()> &source, int index)
+VCardContact CardBuilder::finish(const std::function<QString()> &source, int index, VCardReader::Labels *labels)
 {
     // The last label given to a group counts. A few groups are looked up in place, many through a hash.
     auto groupLabel = [this](const std::string &group) -> const QString * {
@@ -720,12 +723,14 @@ VCardContact CardBuilder::finish(const std::function<QString()> &source, int ind
                 ? groupLabel(pending.group)
                 : byGroup.value(QByteArrayView(pending.group.data(), static_cast<qsizetype>(pending.group.size())));
         if (label && !label->isEmpty()) {
-            (*pending.list)[pending.index].label = *label;
+            // The same label in many cards ("Oficina") is kept once.
+            (*pending.list)[pending.index].label = labels ? *labels->insert(*label) : *label;
         }
     }
+    m_contact.dropEmptyDetails();
+    const VCardContact::Details &details = m_contact.details();
     const bool noNames = m_contact.givenName.isEmpty() && m_contact.familyName.isEmpty() &&
-                         m_contact.middleName.isEmpty() && m_contact.namePrefix.isEmpty() &&
-                         m_contact.nameSuffix.isEmpty();
+                         details.middleName.isEmpty() && details.namePrefix.isEmpty() && details.nameSuffix.isEmpty();
     if ((!m_hasName || noNames) && !m_formattedName.isEmpty() && m_formattedName != m_contact.organizationName) {
         // No structured name: the last word of the display name is the family name, the rest the given name.
         const qsizetype space = m_formattedName.lastIndexOf(u' ');
@@ -805,7 +810,7 @@ QList<VCardContact> VCardReader::read(QByteArrayView data, const QString &source
     return read(data, [&source] { return source; });
 }
 
-QList<VCardContact> VCardReader::read(QByteArrayView data, const std::function<QString()> &source)
+QList<VCardContact> VCardReader::read(QByteArrayView data, const std::function<QString()> &source, Labels *labels)
 {
     QList<VCardContact> cards;
     std::optional<CardBuilder> card;
@@ -829,7 +834,7 @@ QList<VCardContact> VCardReader::read(QByteArrayView data, const std::function<Q
                 }
             } else if (equalsNoCase(text, "END:VCARD")) {
                 if (card) {
-                    cards.append(card->finish(source, index++));
+                    cards.append(card->finish(source, index++, labels));
                     card.reset();
                 }
             } else if (card && !text.isEmpty()) {
@@ -904,7 +909,7 @@ QList<VCardContact> VCardReader::read(QByteArrayView data, const std::function<Q
     }
     flush();
     if (card && !card->isEmpty()) { // no END:VCARD before the end of the file
-        cards.append(card->finish(source, index));
+        cards.append(card->finish(source, index, labels));
     }
     return cards;
 }

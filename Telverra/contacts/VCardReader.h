@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QSet>
 #include <QString>
 
 #include <functional>
@@ -26,8 +27,11 @@ public:
     /// The cards in the data. A card without a UID is given an identifier made from `source` and its position, so it
     /// stays the same as long as the file does.
     static QList<VCardContact> read(QByteArrayView data, const QString &source);
-    /// The same, with the source's name made only when a card needs it.
-    static QList<VCardContact> read(QByteArrayView data, const std::function<QString()> &source);
+    /// Labels met in the cards read, so that every card with the same label shares one text.
+    using Labels = QSet<QString>;
+    /// The same, with the source's name made only when a card needs it; labels are shared through `labels` when given.
+    static QList<VCardContact> read(QByteArrayView data, const std::function<QString()> &source,
+                                    Labels *labels = nullptr);
 
     /// Reads a regular file of at most maximumFileSize bytes; anything else (a FIFO, a device, a larger file) yields
     /// no cards.
