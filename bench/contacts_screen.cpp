@@ -1,9 +1,9 @@
 // contacts_screen ROOT [STEP]: the contacts screen over the address book in the vdir ROOT, in a window, as the
 // application shows it. Once the list is in, it scrolls from top to bottom, STEP pixels a frame (2,000 by default: a
 // fast fling, a new screenful of rows every frame), then jumps to every letter of the alphabet index; it prints the
-// time each frame took, from the change to the frame on screen, and quits. Run under /usr/bin/time -v for the peak
-// memory (compare with an empty ROOT). The figures go to standard error (the rows' traces to standard output). Needs
-// a display (xvfb-run).
+// time each frame took, from the change to the frame on screen, and the resident memory and its high-water mark when
+// the list is in and at the end (compare with an empty ROOT), and quits. The figures go to standard error (the rows'
+// traces to standard output). Needs a display (xvfb-run).
 #include "app/HomeWindowViewModel.h"
 #include "app/SymbolIconProvider.h"
 #include "calls/CallsManager.h"

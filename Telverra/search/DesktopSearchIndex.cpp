@@ -4,6 +4,8 @@
 #include "contacts/ContactSearchIndex.h"
 #include "contacts/ContactsListModel.h"
 
+#include <QStringMatcher>
+
 #include <algorithm>
 #include <tuple>
 
@@ -36,11 +38,60 @@ double found(const QString &term, const QString &text, const QStringList &words 
     return 0.4;
 }
 
+// Between two pieces of a haystack: no term holds it (terms are cut at blanks and controls).
+const QChar pieceSeparator = u'\n';
+
 } // namespace
+
+void DesktopSearchIndex::Haystack::add(const QString &piece, size_t owner)
+{
+    starts.push_back(text.size());
+    owners.push_back(quint32(owner));
+    text += piece;
+    text += pieceSeparator;
+}
+
+std::vector<quint32> DesktopSearchIndex::candidates(const QString &folded, const QString &digits) const
+{
+    std::vector<quint32> found;
+    auto look = [&found](const Haystack &haystack, const QString &term) {
+        if (term.isEmpty() || term.contains(pieceSeparator)) {
+            return;
+        }
+        const QStringMatcher matcher(term);
+        for (qsizetype at = matcher.indexIn(haystack.text); at >= 0;) {
+            // The piece the hit is in; the search goes on from the next one.
+            const auto piece = std::upper_bound(haystack.starts.cbegin(), haystack.starts.cend(), at) - 1;
+            const size_t index = size_t(piece - haystack.starts.cbegin());
+            found.push_back(haystack.owners[index]);
+            if (index + 1 >= haystack.starts.size()) {
+                break;
+            }
+            at = matcher.indexIn(haystack.text, haystack.starts[index + 1]);
+        }
+    };
+    look(m_names, folded);
+    look(m_emails, folded);
+    if (digits.size() >= 3) {
+        look(m_numbers, digits);
+    }
+    std::sort(found.begin(), found.end());
+    found.erase(std::unique(found.begin(), found.end()), found.end());
+    return found;
+}
 
 DesktopSearchIndex::DesktopSearchIndex(const QList<Contact> &contacts, const QList<FavoriteTelcoEntityPtr> &links)
 {
     m_entries.reserve(size_t(contacts.size() + links.size()));
+    auto addToHaystacks = [this](const Entry &entry, size_t index) {
+        m_names.add(entry.name, index);
+        for (const QString &number : entry.numbers) {
+            m_numbers.add(number, index);
+        }
+        for (const QString &email : entry.emails) {
+            m_emails.add(email, index);
+        }
+    };
     for (const Contact &contact : contacts) {
         const VCardContact &card = contact.contact();
         Entry entry;
@@ -60,6 +111,7 @@ DesktopSearchIndex::DesktopSearchIndex(const QList<Contact> &contacts, const QLi
                 }
             }
         }
+        addToHaystacks(entry, m_entries.size());
         m_entries.push_back(std::move(entry));
     }
     for (qsizetype i = 0; i < links.size(); ++i) {
@@ -73,6 +125,7 @@ DesktopSearchIndex::DesktopSearchIndex(const QList<Contact> &contacts, const QLi
         entry.name = ContactSearchIndex::searchable(entry.result.name);
         entry.words = entry.name.split(u' ', Qt::SkipEmptyParts);
         entry.emails.append(entry.result.link.toLower()); // the address is searched as written
+        addToHaystacks(entry, m_entries.size());
         m_entries.push_back(std::move(entry));
     }
 }
@@ -118,10 +171,18 @@ QList<DesktopSearchResult> DesktopSearchIndex::search(QStringList terms, int lim
             });
         });
 
+    // Only the entries that hold the longest term (the rarest, likely) can hold them all.
+    const qsizetype longest = std::max_element(folded.cbegin(), folded.cend(),
+                                               [](const QString &a, const QString &b) { return a.size() < b.size(); }) -
+                              folded.cbegin();
+    const std::vector<quint32> candidates =
+        numberQuery ? this->candidates(QString(), wholeDigits) : this->candidates(folded[longest], digits[longest]);
+
     // Three grades of relevance, each kept in list order up to the limit: no sort, and the scan ends early once the
     // best grade is full.
     QList<DesktopSearchResult> grades[3];
-    for (const Entry &entry : m_entries) {
+    for (const quint32 candidate : candidates) {
+        const Entry &entry = m_entries[candidate];
         if (grades[0].size() >= limit) {
             break;
         }

@@ -64,5 +64,20 @@ private:
         QList<QString> emailLabels;
         QList<QString> emailValues;
     };
+    // Every entry's folded name, digits and addresses, one after the other in three texts, so that a term is looked
+    // for once in each text instead of once per entry; each piece's start and its entry beside it.
+    struct Haystack
+    {
+        QString text;
+        std::vector<qsizetype> starts;
+        std::vector<quint32> owners;
+        void add(const QString &piece, size_t owner);
+    };
+    /// The entries that hold the term somewhere, in order.
+    std::vector<quint32> candidates(const QString &folded, const QString &digits) const;
+
     std::vector<Entry> m_entries;
+    Haystack m_names;
+    Haystack m_numbers;
+    Haystack m_emails;
 };
