@@ -85,7 +85,11 @@ void takeScreenshots(QQmlApplicationEngine &engine, HomeWindowViewModel &viewMod
         {"dialer", [&viewModel] { viewModel.setIsDialerShown(true); }},
         {"recents", [&viewModel] { viewModel.setIsRecentsShown(true); }},
         {"weather", [window] { QMetaObject::invokeMethod(window, "openWeatherPopover"); }},
-        {"contacts", [&viewModel] { viewModel.setIsContactsShown(true); }},
+        {"contacts",
+         [&viewModel, window] {
+             QMetaObject::invokeMethod(window, "closeWeatherPopover");
+             viewModel.setIsContactsShown(true);
+         }},
         {"favorites", [&viewModel] { viewModel.setIsFavoritesShown(true); }},
         {"link-editor", [window] { QMetaObject::invokeMethod(window, "openLinkEditor"); }},
         {"settings", [window] { QMetaObject::invokeMethod(window, "openSettings"); },

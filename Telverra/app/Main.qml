@@ -36,6 +36,7 @@ ApplicationWindow {
     property bool sidebarShown: true
 
     function openWeatherPopover() { headerLoader.item.weatherCard.showDailyWeatherPopOver = true }
+    function closeWeatherPopover() { headerLoader.item.weatherCard.showDailyWeatherPopOver = false }
     // The favourites' link editor, on the favourites screen.
     function openLinkEditor() {
         viewModel.isFavoritesShown = true
