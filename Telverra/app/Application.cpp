@@ -237,8 +237,30 @@ int run(int argc, char *argv[])
         std::fputs(CommandLine::helpText().toUtf8().constData(), stdout);
         return 0;
     }
+    if (arguments.contains(u"--version"_qs) || arguments.contains(u"-v"_qs)) {
+        std::puts("Telverra " TELVERRA_VERSION);
+        return 0;
+    }
+    // Without a display, what needs no window (the self-test, the desktop's search started by the bus) draws
+    // offscreen; a window cannot be shown, and that is said plainly rather than by Qt's abort.
+    const bool display = !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+                         !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") || arguments.contains(u"-platform"_qs);
+    std::vector<char *> applicationArguments(argv, argv + argc);
+    char platformOption[] = "-platform";
+    char offscreen[] = "offscreen";
+    if (!display) {
+        if (!arguments.contains(u"--self-test"_qs) && !arguments.contains(u"--gapplication-service"_qs)) {
+            std::fputs("telverra: no display to show the window on (neither DISPLAY nor WAYLAND_DISPLAY is set).\n"
+                       "The commands work without one: try 'telverra --help'.\n",
+                       stderr);
+            return 1;
+        }
+        applicationArguments.insert(applicationArguments.begin() + 1, {platformOption, offscreen});
+    }
+    int applicationArgumentCount = int(applicationArguments.size());
+    applicationArguments.push_back(nullptr);
 
-    QGuiApplication app(argc, argv);
+    QGuiApplication app(applicationArgumentCount, applicationArguments.data());
     QGuiApplication::setApplicationName(QStringLiteral("Telverra"));
     QGuiApplication::setApplicationVersion(QStringLiteral(TELVERRA_VERSION));
     QGuiApplication::setDesktopFileName(QString::fromLatin1(applicationId));

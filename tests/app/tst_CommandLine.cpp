@@ -61,7 +61,9 @@ Run tst_CommandLine::telverra(const QStringList &arguments)
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"PATH"_qs, m_home.path() + u"/bin:" + environment.value(u"PATH"_qs));
     environment.remove(u"DBUS_SESSION_BUS_ADDRESS"_qs);
-    environment.remove(u"DISPLAY"_qs);
+    for (const QString &display : {u"DISPLAY"_qs, u"WAYLAND_DISPLAY"_qs, u"QT_QPA_PLATFORM"_qs}) {
+        environment.remove(display); // as over ssh: the commands need none
+    }
     environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_qs, u"unix:path=/nonexistent"_qs);
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(TELVERRA_EXECUTABLE), arguments);
@@ -120,6 +122,10 @@ void tst_CommandLine::commands_data()
                                      << u"unknown command dial"_qs;
     QTest::newRow("missing destination") << QStringList{u"call"_qs} << 2 << QString() << QString()
                                          << u"call takes one destination"_qs;
+    QTest::newRow("version") << QStringList{u"--version"_qs} << 0 << QString() << u"Telverra " TELVERRA_VERSION ""_qs
+                             << QString();
+    QTest::newRow("a window without a display")
+        << QStringList() << 1 << QString() << QString() << u"no display to show the window on"_qs;
     QTest::newRow("json on a launch") << QStringList{u"call"_qs, u"600"_qs, u"--json"_qs} << 2 << QString() << QString()
                                       << u"--json and --search go with"_qs;
 }
