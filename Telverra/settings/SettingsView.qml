@@ -43,6 +43,13 @@ ApplicationWindow {
                 icon.width: 18
                 icon.height: 18
                 display: AbstractButton.TextUnderIcon
+                // The open tab is marked in both palettes (Fusion's dark tabs differ too little on their own).
+                Rectangle {
+                    anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+                    height: 3
+                    color: settings.palette.highlight
+                    visible: parent.checked
+                }
             }
         }
     }
