@@ -40,6 +40,21 @@ QString iconOf(const QString &action)
     return QStringLiteral("camera-web");
 }
 
+// A query's answer now, or, for one that came over the bus while the address book was still being read (the first
+// query of a process the bus has just started), a delayed reply sent once it has been.
+template<class Answer>
+auto answerWhenReady(const QDBusContext &context, DesktopSearch &search, Answer answer) -> decltype(answer())
+{
+    if (search.isReady() || !context.calledFromDBus()) {
+        return answer();
+    }
+    context.setDelayedReply(true);
+    search.whenReady([answer, call = context.message(), bus = context.connection()] {
+        bus.send(call.createReply(QVariant::fromValue(answer())));
+    });
+    return {};
+}
+
 } // namespace
 
 QDBusArgument &operator<<(QDBusArgument &argument, const RemoteAction &action)
@@ -109,10 +124,7 @@ DesktopSearch::DesktopSearch(HomeWindowViewModel &viewModel, std::function<void(
     // The queries that came while the address book was being read are answered once it has been.
     auto answerWaiting = [this] {
         if (isReady()) {
-            const QList<std::function<void()>> waiting = std::exchange(m_waiting, {});
-            for (const auto &answer : waiting) {
-                answer();
-            }
+            answerWaitingQueries();
         }
     };
     connect(&viewModel.contactsDataService(), &ContactsDataService::allContactsChanged, this, answerWaiting,
@@ -138,13 +150,16 @@ void DesktopSearch::whenReady(std::function<void()> answer)
     }
     m_waiting.append(std::move(answer));
     if (m_waiting.size() == 1) {
-        QTimer::singleShot(readyTimeout, this, [this] {
-            // An address book too slow to wait for: the search goes on with what there is.
-            const QList<std::function<void()>> waiting = std::exchange(m_waiting, {});
-            for (const auto &late : waiting) {
-                late();
-            }
-        });
+        // An address book too slow to wait for: the search goes on with what there is.
+        QTimer::singleShot(readyTimeout, this, &DesktopSearch::answerWaitingQueries);
+    }
+}
+
+void DesktopSearch::answerWaitingQueries()
+{
+    const QList<std::function<void()>> waiting = std::exchange(m_waiting, {});
+    for (const auto &answer : waiting) {
+        answer();
     }
 }
 
@@ -252,15 +267,7 @@ QList<RemoteAction> KRunnerService::Actions()
 
 QList<RemoteMatch> KRunnerService::Match(const QString &query)
 {
-    if (m_search.isReady() || !calledFromDBus()) {
-        return matches(query);
-    }
-    // The first query of a process the bus has just started: answered once the address book has been read.
-    setDelayedReply(true);
-    m_search.whenReady([this, query, call = message(), bus = connection()] {
-        bus.send(call.createReply(QVariant::fromValue(matches(query))));
-    });
-    return {};
+    return answerWhenReady(*this, m_search, [this, query] { return matches(query); });
 }
 
 QList<RemoteMatch> KRunnerService::matches(const QString &query)
@@ -336,14 +343,7 @@ GnomeSearchProvider::GnomeSearchProvider(DesktopSearch &search)
 
 QStringList GnomeSearchProvider::GetInitialResultSet(const QStringList &terms)
 {
-    if (m_search.isReady() || !calledFromDBus()) {
-        return resultSet(terms);
-    }
-    setDelayedReply(true);
-    m_search.whenReady([this, terms, call = message(), bus = connection()] {
-        bus.send(call.createReply(QVariant::fromValue(resultSet(terms))));
-    });
-    return {};
+    return answerWhenReady(*this, m_search, [this, terms] { return resultSet(terms); });
 }
 
 QStringList GnomeSearchProvider::resultSet(const QStringList &terms)

@@ -88,6 +88,7 @@ Q_SIGNALS:
 
 private:
     const DesktopSearchIndex &index();
+    void answerWaitingQueries();
 
     HomeWindowViewModel &m_viewModel;
     std::function<void(const QString &)> m_showWindow;
