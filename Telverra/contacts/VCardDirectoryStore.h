@@ -5,7 +5,6 @@
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QHash>
-#include <QMutex>
 #include <QThread>
 #include <QTimer>
 
@@ -18,8 +17,8 @@
 /// when it holds .vcf files). Given folders replace these. A folder reached from two roots (a khard book that lies in
 /// the contacts folder, or a link to it) is one container. Changes are watched and reported once things settle.
 ///
-/// containers() and unifiedContacts() may be called from any thread; each book read is remembered, so that a look-up
-/// by identifier after a full read costs a hash look-up per book instead of another read.
+/// containers() and unifiedContacts() may be called from any thread. Nothing read is kept: a look-up by identifier
+/// reads the books (the application answers it from the list it has read, through ContactStoreManager).
 class VCardDirectoryStore : public ContactStore
 {
     Q_OBJECT
