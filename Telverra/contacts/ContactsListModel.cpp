@@ -71,7 +71,9 @@ void ContactsListModel::apply(Computed computed)
     // A row's section is its letter's position, so other letters renumber the sections: the shared rows take the
     // new numbers as they are replaced.
     const bool lettersChange = computed.letters != m_letters;
-    const bool large = std::max(m_rows.size(), computed.rows.size()) > 10000;
+    // Filling the list of a large address book leaves pages behind; a search narrowing it (every keystroke) does not
+    // pay for giving them back.
+    const bool largeFirstFill = m_rows.isEmpty() && computed.rows.size() > 10000;
     m_letters = std::move(computed.letters);
     replaceRows(m_rows, std::move(computed.rows), [](const Row &row) {
         return std::pair(quintptr(row.record.get()), row.underNumbers ? -1 : row.occurrence);
@@ -86,8 +88,8 @@ void ContactsListModel::apply(Computed computed)
         m_contactCount = computed.contactCount;
         Q_EMIT contactCountChanged();
     }
-    if (large) {
-        releaseFreedMemory(); // the rows replaced, and what filing them took
+    if (largeFirstFill) {
+        releaseFreedMemory(); // what filing the rows took
     }
 }
 
