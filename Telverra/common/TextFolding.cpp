@@ -57,3 +57,15 @@ QString foldDiacritics(const QString &text)
     }
     return folded;
 }
+
+QString digitsOnly(QStringView text)
+{
+    QString digits;
+    digits.reserve(text.size());
+    for (QChar c : text) {
+        if (c.isDigit()) {
+            digits.append(c);
+        }
+    }
+    return digits;
+}

@@ -15,20 +15,6 @@
 #include <numeric>
 
 namespace {
-QString digitsOnly(QStringView text)
-{
-    QString digits;
-    digits.reserve(text.size());
-    for (QChar c : text) {
-        if (c.isDigit()) {
-            digits.append(c);
-        }
-    }
-    return digits;
-}
-} // namespace
-
-namespace {
 // The thread the books are read on: one, kept for it, so that its priority can be lowered for good.
 QThreadPool &readingThread()
 {

@@ -1,6 +1,7 @@
 #include "DesktopSearchIndex.h"
 
 #include "calls/CallTypes.h"
+#include "common/TextFolding.h"
 #include "contacts/ContactSearchIndex.h"
 #include "contacts/ContactsListModel.h"
 
@@ -10,17 +11,6 @@
 #include <tuple>
 
 namespace {
-
-QString digitsOf(QStringView text)
-{
-    QString digits;
-    for (QChar c : text) {
-        if (c >= u'0' && c <= u'9') {
-            digits.append(c);
-        }
-    }
-    return digits;
-}
 
 // How well a term is found in a text: 1 equal, 0.7 at the start (of the text or of one of the words), 0.4 within.
 double found(const QString &term, const QString &text, const QStringList &words = {})
@@ -107,7 +97,7 @@ DesktopSearchIndex::DesktopSearchIndex(const QList<Contact> &contacts, const QLi
                 for (const QString &value : group.value()) {
                     labels->append(group.key());
                     values->append(value);
-                    (isPhone ? entry.numbers : entry.emails).append(isPhone ? digitsOf(value) : value.toLower());
+                    (isPhone ? entry.numbers : entry.emails).append(isPhone ? digitsOnly(value) : value.toLower());
                 }
             }
         }
@@ -155,7 +145,7 @@ QList<DesktopSearchResult> DesktopSearchIndex::search(QStringList terms, int lim
         length += bounded.size();
         if (!bounded.trimmed().isEmpty()) {
             folded.append(ContactSearchIndex::searchable(bounded.trimmed()));
-            digits.append(digitsOf(bounded));
+            digits.append(digitsOnly(bounded));
         }
     }
     if (folded.isEmpty() || limit <= 0) {
