@@ -38,7 +38,8 @@ namespace {
 class NoWorkspace : public Workspace
 {
 public:
-    void open(const LaunchAddress &) override {}
+    std::optional<OpenFailure> open(const LaunchAddress &) override { return std::nullopt; }
+    SchemeHandler handlerFor(const QString &) const override { return {}; }
     void openWithApplication(const LaunchAddress &, const QString &, OpenCompletion) override {}
 };
 

@@ -244,7 +244,7 @@ QString helpText()
         "Without a command, Telverra opens its window.\n"
         "\n"
         "Launch commands (forwarded to a running window when there is one):\n"
-        "  call NUMBER               place a phone call (tel://)\n"
+        "  call NUMBER               place a phone call (tel:)\n"
         "  message DESTINATION       send a text message (sms:)\n"
         "  mail ADDRESS              write an e-mail (mailto:)\n"
         "  facetime DESTINATION      start a FaceTime video call\n"

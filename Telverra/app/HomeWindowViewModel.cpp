@@ -796,6 +796,11 @@ void HomeWindowViewModel::handleMeetingResult(const CallResult &result)
     Q_EMIT launchFinished(true, address);
 }
 
+QObject *HomeWindowViewModel::callsManagerObject() const
+{
+    return m_callsManager;
+}
+
 QObject *HomeWindowViewModel::recentCallsModel() const
 {
     return m_recentCallsModel.get();

@@ -74,6 +74,8 @@ class HomeWindowViewModel : public QObject
     Q_PROPERTY(QObject *corelocationDataService READ corelocationDataServiceObject CONSTANT)
     /// The preference store the settings window edits.
     Q_PROPERTY(QObject *preferences READ preferencesObject CONSTANT)
+    /// The launcher, for the settings to tell which application opens each kind of launch.
+    Q_PROPERTY(QObject *callsManager READ callsManagerObject CONSTANT)
     Q_PROPERTY(QVariant selectedFavoriteTelco READ selectedFavoriteTelcoValue WRITE setSelectedFavoriteTelcoValue NOTIFY
                    selectedFavoriteTelcoChanged)
     Q_PROPERTY(QObject *contactsDataService READ contactsDataServiceObject CONSTANT)
@@ -120,6 +122,7 @@ public:
     WeatherInfoDataService *weatherInfoService() const { return m_weatherInfoService.get(); }
     CoreLocationDataService *corelocationDataService() const { return m_corelocationDataService.get(); }
     CallsManager &callsManager() const { return *m_callsManager; }
+    QObject *callsManagerObject() const;
 
     bool isWelcomeShown() const { return m_isWelcomeShown; }
     bool isDialerShown() const { return m_isDialerShown; }

@@ -107,13 +107,57 @@ QString CallsManager::cleanNumber(const QString &number)
     return cleaned;
 }
 
+QString CallsManager::desktopPrefix(CallTypes type)
+{
+    // RFC 3966 "tel:+34…": KDE Connect and Plasma read "tel://+34…" as a web address. Records keep "tel://".
+    return type == CallTypes::telephone ? QStringLiteral("tel:") : launchPrefix(type);
+}
+
+SchemeHandler CallsManager::handlerFor(CallTypes type) const
+{
+    const QString prefix = desktopPrefix(type);
+    return m_workspace.handlerFor(prefix.first(qMax(0, prefix.indexOf(u':'))));
+}
+
+QString CallsManager::noApplicationMessage(CallTypes type)
+{
+    switch (type) {
+    case CallTypes::telephone:
+        return tr("No application on this computer opens phone calls (tel: addresses). Install KDE Connect to call "
+                  "through your phone, or GNOME Calls.");
+    case CallTypes::messages:
+        return tr("No application on this computer sends text messages (sms: addresses). Install KDE Connect to send "
+                  "them through your phone, or Chats.");
+    case CallTypes::mail:
+        return tr("No application on this computer writes e-mails (mailto: addresses). Install a mail client such as "
+                  "Thunderbird or Evolution, or choose one as the default for e-mail in the system settings.");
+    case CallTypes::facetime:
+    case CallTypes::facetimeaudio:
+        return tr("No application on this computer opens FaceTime calls (facetime: addresses). FaceTime runs on Apple "
+                  "devices only: place a phone call or send a message instead.");
+    default:
+        return tr("No application on this computer opens %1 addresses.").arg(desktopPrefix(type));
+    }
+}
+
+CallsManagerError CallsManager::notOpened(CallTypes type, const OpenFailure &failure)
+{
+    if (failure.reason == OpenFailure::Reason::noApplication) {
+        return CallsManagerError::noApplication(noApplicationMessage(type));
+    }
+    return CallsManagerError::applicationFailed(
+        tr("%1 could not be started to open the address: %2").arg(failure.application, failure.detail));
+}
+
 CallResult CallsManager::launch(CallTypes type, const QString &destination, const QString &failureText)
 {
-    const std::optional<LaunchAddress> address = LaunchAddress::parse(launchPrefix(type) + destination);
+    const std::optional<LaunchAddress> address = LaunchAddress::parse(desktopPrefix(type) + destination);
     if (!address) {
         return CallResult::failure(CallsManagerError::errorCreatingCall(failureText));
     }
-    m_workspace.open(*address);
+    if (const std::optional<OpenFailure> failure = m_workspace.open(*address)) {
+        return CallResult::failure(notOpened(type, *failure));
+    }
     return CallResult::success(destination);
 }
 
@@ -229,7 +273,12 @@ void CallsManager::openInDefaultBrowser(const QString &address)
         Trace::line(QStringLiteral("Error creating URL for Default Browser"));
         return;
     }
-    m_workspace.open(*url);
+    // A meeting is recorded whatever the browser does; a browser that is missing or does not start is logged.
+    if (const std::optional<OpenFailure> failure = m_workspace.open(*url)) {
+        Trace::line(failure->reason == OpenFailure::Reason::noApplication
+                        ? QString(u"No application opens " + url->scheme() + u" addresses")
+                        : QString(failure->application + u" could not be started: " + failure->detail));
+    }
 }
 
 void CallsManager::openInChrome(const QString &address)

@@ -8,6 +8,8 @@
 #include <QString>
 
 class BrowserTabSource;
+struct OpenFailure;
+struct SchemeHandler;
 class Clipboard;
 struct ScriptValue;
 class Preferences;
@@ -52,6 +54,14 @@ public:
     CallResult sendMessage(const QString &destination);
     CallResult sendEmail(const QString &address);
 
+    /// The prefix of the address the desktop is handed for a direct launch of this kind (phone, FaceTime, messages,
+    /// mail): the launch prefix, but "tel:" for a phone call.
+    static QString desktopPrefix(CallTypes type);
+    /// The application that would open a direct launch of this kind now.
+    SchemeHandler handlerFor(CallTypes type) const;
+    /// What the user is told when no application opens this kind of launch: what is missing and what to install.
+    static QString noApplicationMessage(CallTypes type);
+
     /// Classifies a meeting address by plain substring search; the first hit wins.
     static CallTypes callTypeForURL(QStringView text);
 
@@ -82,6 +92,7 @@ public:
 
 private:
     CallResult launch(CallTypes type, const QString &destination, const QString &failureText);
+    static CallsManagerError notOpened(CallTypes type, const OpenFailure &failure);
     void openClassified(const QString &address);
 
     Workspace &m_workspace;

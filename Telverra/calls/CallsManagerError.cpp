@@ -13,6 +13,9 @@ QString CallsManagerError::errorDescription() const
         return u"Error Creating telco in browser: " + m_text;
     case Case::errorCreatingeMail:
         return u"Error Creating eMail: " + m_text;
+    case Case::noApplication:
+    case Case::applicationFailed:
+        return m_text;
     }
     Q_UNREACHABLE();
     return m_text;

@@ -2,7 +2,9 @@
 
 #include <QString>
 
-/// A launch failure; each case carries one text and shows it behind a fixed prefix.
+/// A launch failure; each case carries one text and shows it behind a fixed prefix, but for the two cases of the
+/// desktop (no application for the address, or one that could not start), whose text is a whole sentence that tells
+/// the user what to do and is shown as it stands.
 class CallsManagerError
 {
 public:
@@ -13,6 +15,8 @@ public:
         errorCreatingCall,
         errorCreatingTelco,
         errorCreatingeMail,
+        noApplication,
+        applicationFailed,
     };
 
     CallsManagerError(Case errorCase, const QString &text)
@@ -25,6 +29,8 @@ public:
     static CallsManagerError errorCreatingCall(const QString &text) { return {Case::errorCreatingCall, text}; }
     static CallsManagerError errorCreatingTelco(const QString &text) { return {Case::errorCreatingTelco, text}; }
     static CallsManagerError errorCreatingeMail(const QString &text) { return {Case::errorCreatingeMail, text}; }
+    static CallsManagerError noApplication(const QString &text) { return {Case::noApplication, text}; }
+    static CallsManagerError applicationFailed(const QString &text) { return {Case::applicationFailed, text}; }
 
     Case errorCase() const { return m_case; }
     /// The text the case carries, without its prefix.

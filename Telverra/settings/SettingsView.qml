@@ -59,7 +59,7 @@ ApplicationWindow {
         anchors.margins: 20
         currentIndex: tabs.currentIndex
         GeneralSettingsView { viewModel: settings.viewModel }
-        QuickActionsSettingsView { preferences: settings.preferences }
+        QuickActionsSettingsView { preferences: settings.preferences; callsManager: settings.viewModel.callsManager ?? null }
         ResetSettingsView { viewModel: settings.viewModel }
         AboutSettingsView {}
     }

@@ -290,14 +290,14 @@ void tst_HomeWindowViewModel::dialerCall_data()
     QTest::addColumn<QString>("opened");
     QTest::addColumn<QString>("contactID");
     QTest::addColumn<QString>("clipboard");
-    QTest::newRow("valid, copied") << u"+34 600-123.456"_qs << true << u"tel://+34600123456"_qs << QString()
+    QTest::newRow("valid, copied") << u"+34 600-123.456"_qs << true << u"tel:+34600123456"_qs << QString()
                                    << u"+34 600-123.456"_qs;
-    QTest::newRow("valid, not copied") << u"+34 600-123.456"_qs << false << u"tel://+34600123456"_qs << QString()
+    QTest::newRow("valid, not copied") << u"+34 600-123.456"_qs << false << u"tel:+34600123456"_qs << QString()
                                        << u"untouched"_qs;
-    QTest::newRow("a contact's number") << u"0034600111222"_qs << true << u"tel://0034600111222"_qs << QString()
+    QTest::newRow("a contact's number") << u"0034600111222"_qs << true << u"tel:0034600111222"_qs << QString()
                                         << u"0034600111222"_qs;
     QTest::newRow("same digits as a contact")
-        << u"+34 600 111 222"_qs << true << u"tel://+34600111222"_qs << u"alvarez"_qs << u"+34 600 111 222"_qs;
+        << u"+34 600 111 222"_qs << true << u"tel:+34600111222"_qs << u"alvarez"_qs << u"+34 600 111 222"_qs;
     QTest::newRow("invalid: nothing happens") << u"(600) 123"_qs << true << QString() << QString() << u"untouched"_qs;
 }
 
@@ -347,7 +347,7 @@ void tst_HomeWindowViewModel::clipboardMeetingAddressIsTrimmed()
     // A number on the clipboard is a phone call; an empty clipboard does nothing.
     QGuiApplication::clipboard()->setText(u"600 12 34"_qs);
     vm().makeCallFromClipboard();
-    QCOMPARE(m_workspace.opened.last(), u"tel://6001234"_qs);
+    QCOMPARE(m_workspace.opened.last(), u"tel:6001234"_qs);
     QGuiApplication::clipboard()->clear();
     Trace::Capture capture;
     vm().makeCallFromClipboard();
@@ -382,7 +382,7 @@ void tst_HomeWindowViewModel::recalledFacetimePlacesTelephoneCall()
 {
     makeViewModel();
     vm().recallRecent(u"bob@example.com"_qs, CallTypes::facetime);
-    QCOMPARE(m_workspace.opened, QStringList{u"tel://bob@examplecom"_qs});
+    QCOMPARE(m_workspace.opened, QStringList{u"tel:bob@examplecom"_qs});
     QCOMPARE(records().at(0)->callType(), u"telephone"_qs);
     QCOMPARE(m_calls->typeOfLastCall(), CallTypes::facetime);
     QTest::qWait(2); // a later date, so that the next record is the newest
@@ -397,7 +397,7 @@ void tst_HomeWindowViewModel::contactActions_data()
     QTest::addColumn<QString>("destination");
     QTest::addColumn<QString>("opened");
     QTest::addColumn<QString>("successTrace");
-    QTest::newRow("telephone") << CallTypes::telephone << u"+33 6 12"_qs << u"tel://+33612"_qs
+    QTest::newRow("telephone") << CallTypes::telephone << u"+33 6 12"_qs << u"tel:+33612"_qs
                                << u"call launced with number: +33 6 12"_qs;
     QTest::newRow("facetime") << CallTypes::facetime << u"a@b.c"_qs << u"facetime://a@b.c"_qs
                               << u"facetime call with number: a@b.c"_qs;

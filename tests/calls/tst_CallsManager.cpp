@@ -1,5 +1,6 @@
 #include "calls/CallsManager.h"
 #include "calls/Clipboard.h"
+#include "calls/Workspace.h"
 #include "common/Trace.h"
 #include "settings/Preferences.h"
 #include "support/RecordingWorkspace.h"
@@ -24,6 +25,8 @@ private Q_SLOTS:
 
     void directLaunches_data();
     void directLaunches();
+    void noApplication_data();
+    void noApplication();
     void errorDescriptions_data();
     void errorDescriptions();
     void callTypeForURL_data();
@@ -32,6 +35,7 @@ private Q_SLOTS:
     void openTelcoInDefaultBrowser();
     void openTelcoInChrome();
     void chromeFailureFallsBackToDefaultBrowser();
+    void noDefaultBrowserIsLogged();
     void preferencesReadAtEachUse();
     void hostileMeetingText_data();
     void hostileMeetingText();
@@ -79,10 +83,10 @@ void tst_CallsManager::directLaunches_data()
     const Launch mail = &CallsManager::sendEmail;
 
     QTest::newRow("phone, every separator removed")
-        << phone << u"+34 600-12.34/56"_qs << u"tel://+34600123456"_qs << QString();
-    QTest::newRow("phone, short number not read as an address") << phone << u"12"_qs << u"tel://12"_qs << QString();
-    QTest::newRow("phone, parentheses kept") << phone << u"(600) 123"_qs << u"tel://(600)123"_qs << QString();
-    QTest::newRow("phone, at sign still cleaned") << phone << u"a-b@c.d"_qs << u"tel://ab@cd"_qs << QString();
+        << phone << u"+34 600-12.34/56"_qs << u"tel:+34600123456"_qs << QString();
+    QTest::newRow("phone, short number not read as an address") << phone << u"12"_qs << u"tel:12"_qs << QString();
+    QTest::newRow("phone, parentheses kept") << phone << u"(600) 123"_qs << u"tel:(600)123"_qs << QString();
+    QTest::newRow("phone, at sign still cleaned") << phone << u"a-b@c.d"_qs << u"tel:ab@cd"_qs << QString();
     QTest::newRow("phone, newline and switch")
         << phone << u"600\n--no-sandbox"_qs << QString() << u"Error creating call: 600\n--no-sandbox"_qs;
     QTest::newRow("phone, non-ASCII") << phone << u"6\u00e900"_qs << QString() << u"Error creating call: 6\u00e900"_qs;
@@ -129,6 +133,35 @@ void tst_CallsManager::directLaunches()
     }
 }
 
+// No application for the scheme: the kind's own message, shown as it stands; nothing opened.
+void tst_CallsManager::noApplication_data()
+{
+    QTest::addColumn<Launch>("launch");
+    QTest::addColumn<QString>("scheme");
+    QTest::addColumn<CallTypes>("type");
+    QTest::newRow("phone") << Launch(&CallsManager::makePhoneCall) << u"tel"_qs << CallTypes::telephone;
+    QTest::newRow("facetime") << Launch(&CallsManager::makeFacetimeCall) << u"facetime"_qs << CallTypes::facetime;
+    QTest::newRow("facetime audio") << Launch(&CallsManager::makeFacetimeAudioCall) << u"facetime-audio"_qs
+                                    << CallTypes::facetimeaudio;
+    QTest::newRow("message") << Launch(&CallsManager::sendMessage) << u"sms"_qs << CallTypes::messages;
+    QTest::newRow("mail") << Launch(&CallsManager::sendEmail) << u"mailto"_qs << CallTypes::mail;
+}
+
+void tst_CallsManager::noApplication()
+{
+    QFETCH(Launch, launch);
+    QFETCH(QString, scheme);
+    QFETCH(CallTypes, type);
+    m_workspace.missingSchemes = {scheme};
+    const CallResult result = launch(*m_manager, u"6001234"_qs);
+    QVERIFY(!result.isSuccess());
+    QCOMPARE(result.error(), CallsManagerError::noApplication(CallsManager::noApplicationMessage(type)));
+    QCOMPARE(result.error().errorDescription(), CallsManager::noApplicationMessage(type));
+    QVERIFY(result.error().errorDescription().startsWith(u"No application on this computer "));
+    QVERIFY(m_workspace.opened.isEmpty());
+    QCOMPARE(m_manager->handlerFor(type).state, SchemeHandler::State::none);
+}
+
 void tst_CallsManager::errorDescriptions_data()
 {
     QTest::addColumn<CallsManagerError::Case>("errorCase");
@@ -141,6 +174,8 @@ void tst_CallsManager::errorDescriptions_data()
     QTest::newRow("errorCreatingTelco") << CallsManagerError::Case::errorCreatingTelco
                                         << u"Error Creating telco in browser: x"_qs;
     QTest::newRow("errorCreatingeMail") << CallsManagerError::Case::errorCreatingeMail << u"Error Creating eMail: x"_qs;
+    QTest::newRow("noApplication, as it stands") << CallsManagerError::Case::noApplication << u"x"_qs;
+    QTest::newRow("applicationFailed, as it stands") << CallsManagerError::Case::applicationFailed << u"x"_qs;
 }
 
 void tst_CallsManager::errorDescriptions()
@@ -224,6 +259,20 @@ void tst_CallsManager::chromeFailureFallsBackToDefaultBrowser()
     m_manager->openInChrome(link);
     QTRY_COMPARE(m_workspace.opened, QStringList{link});
     QCOMPARE(capture.lines(), QStringList{m_workspace.applicationError});
+}
+
+// The meeting is reported opened (and recorded) whatever the browser does; a missing default browser is logged.
+void tst_CallsManager::noDefaultBrowserIsLogged()
+{
+    m_preferences->setValue(PreferenceKey::useChromeAsDefaultBrowser, false);
+    m_workspace.missingSchemes = {u"https"_qs};
+    Trace::Capture capture;
+    std::optional<CallResult> result;
+    const QString link = u"https://meet.jit.si/Room"_qs;
+    m_manager->openTelco(link, [&](const CallResult &r) { result = r; });
+    QCOMPARE(result, std::optional(CallResult::success(link)));
+    QCOMPARE(capture.lines(),
+             (QStringList{u"No application opens https addresses"_qs, u"Openning URL From Clipboard: " + link}));
 }
 
 void tst_CallsManager::preferencesReadAtEachUse()
@@ -337,7 +386,7 @@ void tst_CallsManager::sharedUsesCollaboratorsGivenBeforeFirstUse()
     CallsManager &shared = CallsManager::shared();
     QCOMPARE(&CallsManager::shared(), &shared);
     QVERIFY(shared.makePhoneCall(u"600 1"_qs).isSuccess());
-    QCOMPARE(workspace.opened, QStringList{u"tel://6001"_qs});
+    QCOMPARE(workspace.opened, QStringList{u"tel:6001"_qs});
 }
 
 QTEST_MAIN(tst_CallsManager)

@@ -1,5 +1,5 @@
-// Google Chrome started for real: a stand-in executable records the arguments it was given, and xdg-open (the
-// default browser) is a recording script on the PATH.
+// Google Chrome started for real: a stand-in executable records the arguments it was given, and the desktop's default
+// browser is a recording handler registered in the temporary home.
 #include "calls/CallsManager.h"
 #include "calls/Clipboard.h"
 #include "calls/Workspace.h"
@@ -43,14 +43,10 @@ void tst_ChromeLaunch::initTestCase()
     m_defaultLog = m_home.path() + u"/default.log";
     // One line per argument, so that an address split into several arguments would show.
     m_chrome =
-        m_home.writeFile(u"bin/google-chrome"_qs, "#!/bin/sh\nfor a in \"$@\"; do printf '%s\\n' \"$a\"; done >> \"" +
-                                                      QFile::encodeName(m_chromeLog) + "\"\n");
-    const QString xdgOpen = m_home.writeFile(u"bin/xdg-open"_qs, "#!/bin/sh\nprintf '%s\\n' \"$1\" >> \"" +
-                                                                     QFile::encodeName(m_defaultLog) + "\"\n");
-    for (const QString &script : {m_chrome, xdgOpen}) {
-        QVERIFY(QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    }
-    qputenv("PATH", QFile::encodeName(m_home.path() + u"/bin:") + qgetenv("PATH"));
+        m_home.writeScript(u"bin/google-chrome"_qs, "#!/bin/sh\nfor a in \"$@\"; do printf '%s\\n' \"$a\"; done >> \"" +
+                                                        QFile::encodeName(m_chromeLog) + "\"\n");
+    QVERIFY(!m_chrome.isEmpty());
+    QVERIFY(m_home.registerRecordingHandler({u"https"_qs}, m_defaultLog));
 }
 
 void tst_ChromeLaunch::init()

@@ -1,5 +1,5 @@
 // The dialer's validation: the display always holds what was typed, the warning is the opposite of the answer, and
-// a number the dialer calls valid always makes a "tel://" address the launch gate lets through.
+// a number the dialer calls valid always makes a phone address the launch gate lets through.
 #include "FuzzSupport.h"
 #include "calls/CallsManager.h"
 #include "calls/LaunchAddress.h"
@@ -31,6 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     long long value = 0;
     const auto [stop, error] = std::from_chars(begin, end, value);
     FUZZ_REQUIRE(error == std::errc() && stop == end);
-    FUZZ_REQUIRE(LaunchAddress::parse(u"tel://" + CallsManager::cleanNumber(text)).has_value());
+    FUZZ_REQUIRE(
+        LaunchAddress::parse(CallsManager::desktopPrefix(CallTypes::telephone) + CallsManager::cleanNumber(text))
+            .has_value());
     return 0;
 }

@@ -78,7 +78,7 @@ Item {
             const ana = row("Ana García")
             mouseClick(findChild(ana, "quickAction-telephone"))
             tryVerify(() => testSupport.launches().length === 1, 3000)
-            compare(testSupport.launches(), ["tel://+34600111222"])
+            compare(testSupport.launches(), ["tel:+34600111222"])
             // The history names the contact and shows its avatar.
             const recents = createTemporaryObject(Qt.createComponent("qrc:/qt/qml/Telverra/recents/RecentsView.qml"),
                                                   stage, { viewModel: viewModel, width: 600, height: 400 })
@@ -148,7 +148,7 @@ Item {
             compare(list().currentItem.name, "Ana García")
             keyClick(Qt.Key_Return)
             tryVerify(() => testSupport.launches().length === 1, 3000)
-            compare(testSupport.launches(), ["tel://+34600111222"])
+            compare(testSupport.launches(), ["tel:+34600111222"])
         }
 
         function test_permissionAlert() {

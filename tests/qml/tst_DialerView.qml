@@ -70,7 +70,7 @@ TestCase {
         testSupport.clearLaunches()
         keyClick(Qt.Key_Return)
         tryVerify(() => testSupport.launches().length === 1)
-        compare(testSupport.launches()[0], "tel://91")
+        compare(testSupport.launches()[0], "tel:91")
         compare(viewModel.dialer.display, "") // cleared after the launch
     }
 }

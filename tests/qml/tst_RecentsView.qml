@@ -81,7 +81,7 @@ TestCase {
         compare(value, "922 600")
         mouseDoubleClickSequence(target, 40, 20)
         tryVerify(() => testSupport.launches().length === 1)
-        compare(testSupport.launches()[0], "tel://" + value.replace(/ /g, ""))
+        compare(testSupport.launches()[0], "tel:" + value.replace(/ /g, ""))
         tryCompare(viewModel.recentCallsModel, "count", before + 1)
     }
 

@@ -64,6 +64,25 @@ TestCase {
         compare(testSupport.preference(data.key), before)
     }
 
+    function test_quickActionsTellWhichApplicationOpensEachKind() {
+        testSupport.setMissingSchemes(["tel"])
+        open()
+        showTab("Quick Actions")
+        const phone = find("handler-telephone")
+        tryCompare(phone, "visible", true)
+        compare(phone.text, "No application installed")
+        compare(phone.Accessible.name, phone.text)
+        verify(Qt.colorEqual(phone.color, "#e08a00"))
+        const messages = find("handler-messages")
+        compare(messages.text, "Opens in Recorder")
+        verify(!Qt.colorEqual(messages.color, "#e08a00"))
+        // Read again each time the tab is shown: an application installed meanwhile is found.
+        testSupport.setMissingSchemes([])
+        showTab("General")
+        showTab("Quick Actions")
+        tryCompare(phone, "text", "Opens in Recorder")
+    }
+
     function test_weatherSwitchStartsAndCancelsTheTimer() {
         open()
         const toggle = find("updateWeatherInfoEveryHour")

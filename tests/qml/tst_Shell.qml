@@ -63,7 +63,7 @@ TestCase {
 
     function test_ctrlShiftVCallsWhatIsOnTheClipboard_data() {
         return [
-            { tag: "number", clipboard: "+34 600-123.456", launch: "tel://+34600123456" },
+            { tag: "number", clipboard: "+34 600-123.456", launch: "tel:+34600123456" },
             { tag: "meeting", clipboard: "https://meet.google.com/abc-defg-hij", launch: "https://meet.google.com/abc-defg-hij" }
         ]
     }

@@ -60,6 +60,13 @@ public:
             workspace->opened.clear();
         }
     }
+    /// Schemes no application opens from now on.
+    Q_INVOKABLE void setMissingSchemes(const QStringList &schemes)
+    {
+        if (workspace) {
+            workspace->missingSchemes = schemes;
+        }
+    }
     Q_INVOKABLE void setClipboard(const QString &text) { QGuiApplication::clipboard()->setText(text); }
     Q_INVOKABLE QString clipboard() const { return QGuiApplication::clipboard()->text(); }
     /// A key press and release delivered to a window of its own (the test's key functions reach only the test's).

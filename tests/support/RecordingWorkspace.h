@@ -9,12 +9,17 @@
 class RecordingWorkspace : public Workspace
 {
 public:
-    void open(const LaunchAddress &address) override { opened.append(address.text()); }
+    /// Records the address, or fails as the desktop does when its scheme is among `missingSchemes`.
+    std::optional<OpenFailure> open(const LaunchAddress &address) override;
+    /// "Recorder" for every scheme but the missing ones.
+    SchemeHandler handlerFor(const QString &scheme) const override;
 
     void openWithApplication(const LaunchAddress &address, const QString &application,
                              OpenCompletion completion) override;
 
     QStringList opened;
+    /// Schemes no application opens here.
+    QStringList missingSchemes;
     /// "application|address" per call of openWithApplication.
     QStringList openedWithApplication;
     /// When set, openWithApplication fails with this text.

@@ -49,3 +49,32 @@ QString TestHome::writeFile(const QString &relativePath, const QByteArray &conte
     }
     return path;
 }
+
+QString TestHome::writeScript(const QString &relativePath, const QByteArray &content) const
+{
+    const QString path = writeFile(relativePath, content);
+    if (path.isEmpty() || !QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner)) {
+        return {};
+    }
+    return path;
+}
+
+bool TestHome::registerRecordingHandler(const QStringList &schemes, const QString &log, bool startable) const
+{
+    const QString recorder = writeScript(u"bin/telverra-recorder"_qs,
+                                         "#!/bin/sh\nprintf '%s\\n' \"$1\" >> \"" + QFile::encodeName(log) + "\"\n");
+    QByteArray types;
+    QByteArray defaults = "[Default Applications]\n";
+    for (const QString &scheme : schemes) {
+        types += "x-scheme-handler/" + scheme.toLatin1() + ';';
+        defaults += "x-scheme-handler/" + scheme.toLatin1() + "=telverra-recorder.desktop\n";
+    }
+    // Not startable: an application for a terminal, which GIO refuses to start where it finds no terminal.
+    return !recorder.isEmpty() &&
+           !writeFile(u".local/share/applications/telverra-recorder.desktop"_qs,
+                      "[Desktop Entry]\nType=Application\nName=Recorder\nNoDisplay=true\nTerminal=" +
+                          QByteArray(startable ? "false" : "true") + "\nExec=" + QFile::encodeName(recorder) +
+                          " %u\nMimeType=" + types + '\n')
+                .isEmpty() &&
+           !writeFile(u".config/mimeapps.list"_qs, defaults).isEmpty();
+}

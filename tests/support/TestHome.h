@@ -18,6 +18,13 @@ public:
     QString dataHome() const { return m_dir.path() + u"/.local/share"; }
     /// Writes a file below the home, creating its folders; returns its absolute path.
     QString writeFile(const QString &relativePath, const QByteArray &content) const;
+    /// Writes an executable file (a script with its "#!" line) below the home; returns its absolute path.
+    QString writeScript(const QString &relativePath, const QByteArray &content) const;
+    /// Makes a recording application the desktop's handler for the schemes ("tel", "https"), as a desktop finds one:
+    /// a desktop file in the data home and a mimeapps.list in the config home naming it. Each address it is started
+    /// with is appended to `log`, one line each. `startable` false: an application that runs in a terminal, which
+    /// GIO refuses to start when there is no terminal on the PATH.
+    bool registerRecordingHandler(const QStringList &schemes, const QString &log, bool startable = true) const;
 
 private:
     QTemporaryDir m_dir;
