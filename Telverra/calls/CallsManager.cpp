@@ -155,6 +155,7 @@ CallResult CallsManager::launch(CallTypes type, const QString &destination, cons
     if (!address) {
         return CallResult::failure(CallsManagerError::errorCreatingCall(failureText));
     }
+    // Where no application opens the address the launch fails with a message: no one else on this desktop says so.
     if (const std::optional<OpenFailure> failure = m_workspace.open(*address)) {
         return CallResult::failure(notOpened(type, *failure));
     }
