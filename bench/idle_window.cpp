@@ -1,15 +1,17 @@
 // idle_window SCREEN [MINUTES]: the main window left alone on one screen, and what it costs at rest. SCREEN is one of
-// welcome (its quote shown), dialer, recents, favorites, contacts, settings (the settings window open over the
-// dialer), weather (the weather pop-over open over the dialer), or waiting (the welcome screen waiting for a quote
-// that does not come: its indicator moves).
+// welcome (its quote shown), dialer (a number typed in and left there), recents, favorites, contacts, settings (the
+// settings window open over the dialer), weather (the weather pop-over open over the dialer), or waiting (the welcome
+// screen waiting for a quote that does not come: its indicator moves).
 // The window is the application's (Main.qml over a view model), in a home seeded with 10,000 contacts, 1,000 recent
 // calls, saved links and favourite contacts, with a weather document and a quote served on 127.0.0.1; the quote fails
 // (as it does offline) behind every screen but the welcome screen. It starts as a user starts it: the welcome screen
-// hands over to the dialer after six seconds (the welcome screens keep it, "fixed quote on start-up"), the screen is
-// chosen, and once it has settled the frames of every window of the process and the process's CPU time (all its
-// threads) are counted over the first minute and over the whole run, and the resident memory is read after 1 minute
-// and at the end (MINUTES, 10 by default). One line of figures goes to standard error. Needs a display (xvfb-run).
+// hands over to the dialer after six seconds (the welcome screens keep it, "fixed quote on start-up"), the window is
+// activated, the screen is chosen, and once it has settled the frames of every window of the process and the process's
+// CPU time (all its threads) are counted over the first minute and over the whole run, and the resident memory is read
+// after 1 minute and at the end (MINUTES, 10 by default). One line of figures goes to standard error. Needs a display
+// (xvfb-run).
 #include "VdirGenerator.h"
+#include "app/CursorBlinkTimeout.h"
 #include "app/HomeWindowViewModel.h"
 #include "app/SymbolIconProvider.h"
 #include "calls/CallsManager.h"
@@ -27,16 +29,17 @@
 #include "support/ScriptedLocation.h"
 
 #include <QDeadlineTimer>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
 #include <QNetworkAccessManager>
 #include <QQmlApplicationEngine>
+#include <QQuickItem>
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <QSet>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
 #include <QtQml/qqmlextensionplugin.h>
 
@@ -194,6 +197,7 @@ int main(int argc, char *argv[])
     ScriptedGeocoder geocoder;
     HomeWindowViewModel viewModel(HomeWindowViewModel::Environment{&preferences, &calls, &store, &manager, &clipboard,
                                                                    &network, &deployment, &location, &geocoder});
+    const CursorBlinkTimeout cursorBlinkTimeout;
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QStringLiteral("symbols"), new SymbolIconProvider);
@@ -241,6 +245,13 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "%s: the window did not get ready\n", qPrintable(screen));
         return 1;
     }
+    // The user's window is the active one, as it is when they have just used it (a focused text field blinks only
+    // there).
+    window->requestActivate();
+    if (!waitFor([window] { return window->isActive(); }, 10)) {
+        std::fprintf(stderr, "%s: the window is not active\n", qPrintable(screen));
+        return 1;
+    }
     if (!welcome && !waitFor([&] { return viewModel.isDialerShown() && !viewModel.timer()->isActive(); }, 30)) {
         std::fprintf(stderr, "%s: no hand-over to the dialer\n", qPrintable(screen));
         return 1;
@@ -255,33 +266,58 @@ int main(int argc, char *argv[])
         QMetaObject::invokeMethod(window, "openSettings");
     } else if (screen == u"weather") {
         QMetaObject::invokeMethod(window, "openWeatherPopover");
+    } else if (screen == u"dialer") {
+        // A number typed and left there: the display keeps the focus and its cursor.
+        if (auto *display = window->findChild<QQuickItem *>(u"display"_qs)) {
+            display->forceActiveFocus();
+        }
+        for (Qt::Key key : {Qt::Key_6, Qt::Key_0, Qt::Key_0}) {
+            QTest::keyClick(window, key);
+        }
+        if (viewModel.dialer().display != u"600") {
+            std::fprintf(stderr, "dialer: typing did not reach the display\n");
+            return 1;
+        }
     }
     watchWindows();
-    // Left alone: what a screen does when it appears (building, fading in) is over well within five seconds.
-    rest(5000);
+    // Left alone: what a screen does when it appears or is typed in (building, fading in, blinking the cursor for
+    // ten seconds) is over.
+    rest(15000);
 
-    const double rssAtRest = residentMegabytes();
-    const qint64 framesAtRest = frames;
+    // Minute by minute: the frames, and the resident memory at the end of the minute.
     const double cpuAtRest = cpuMilliseconds();
     QElapsedTimer clock;
     clock.start();
-    rest(60 * 1000);
-    const qint64 framesFirstMinute = frames - framesAtRest;
-    const double cpuFirstMinute = cpuMilliseconds() - cpuAtRest;
-    const double seconds = double(clock.elapsed()) / 1000.0;
-    const double rssOneMinute = residentMegabytes();
-    rest((minutes - 1) * 60 * 1000);
-    const double allSeconds = double(clock.elapsed()) / 1000.0;
-    const qint64 framesAll = frames - framesAtRest;
+    QList<qint64> framesByMinute;
+    QList<double> residentByMinute{residentMegabytes()};
+    double cpuFirstMinute = 0;
+    double secondsFirstMinute = 0;
+    for (int minute = 0; minute < minutes; ++minute) {
+        const qint64 before = frames;
+        rest(60 * 1000);
+        framesByMinute.append(frames - before);
+        residentByMinute.append(residentMegabytes());
+        if (minute == 0) {
+            cpuFirstMinute = cpuMilliseconds() - cpuAtRest;
+            secondsFirstMinute = double(clock.elapsed()) / 1000.0;
+        }
+    }
     const double cpuAll = cpuMilliseconds() - cpuAtRest;
-    const double rssEnd = residentMegabytes();
-
-    std::fprintf(
-        stderr,
-        "%-9s first minute: %lld frames, CPU %.0f ms (%.2f%% of a core) | %d minutes: %lld frames, CPU %.0f ms "
-        "(%.2f%%) | resident: %.1f MB at rest, %.1f MB after 1 minute, %.1f MB after %d minutes (%+.1f MB)\n",
-        qPrintable(screen), static_cast<long long>(framesFirstMinute), cpuFirstMinute, cpuFirstMinute / seconds / 10.0,
-        minutes, static_cast<long long>(framesAll), cpuAll, cpuAll / allSeconds / 10.0, rssAtRest, rssOneMinute, rssEnd,
-        minutes, rssEnd - rssOneMinute);
+    const double secondsAll = double(clock.elapsed()) / 1000.0;
+    QStringList frameList;
+    for (qint64 count : framesByMinute) {
+        frameList.append(QString::number(count));
+    }
+    QStringList residentList;
+    for (double megabytes : residentByMinute) {
+        residentList.append(QString::number(megabytes, 'f', 1));
+    }
+    std::fprintf(stderr,
+                 "%-9s first minute: %lld frames, CPU %.0f ms (%.2f%% of a core) | %d minutes: CPU %.0f ms (%.2f%%), "
+                 "frames by minute %s | resident MB by minute %s: after 1 minute %.1f, after %d %.1f (%+.1f)\n",
+                 qPrintable(screen), static_cast<long long>(framesByMinute.first()), cpuFirstMinute,
+                 cpuFirstMinute / secondsFirstMinute / 10.0, minutes, cpuAll, cpuAll / secondsAll / 10.0,
+                 qPrintable(frameList.join(u' ')), qPrintable(residentList.join(u' ')), residentByMinute.at(1), minutes,
+                 residentByMinute.last(), residentByMinute.last() - residentByMinute.at(1));
     return 0;
 }

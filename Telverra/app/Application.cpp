@@ -1,6 +1,7 @@
 #include "Application.h"
 
 #include "CommandLine.h"
+#include "CursorBlinkTimeout.h"
 #include "DesktopActivation.h"
 #include "DesktopSearch.h"
 #include "HomeWindowViewModel.h"
@@ -357,6 +358,7 @@ int run(int argc, char *argv[])
         return 0;
     }
 
+    const CursorBlinkTimeout cursorBlinkTimeout; // a window left alone draws nothing
     QQmlApplicationEngine engine;
     prepareEngine(engine);
     addContactPhotos(engine, viewModel);

@@ -15,10 +15,11 @@ Item {
     property int count: 0
     readonly property string quote: viewModel.randomQuote
 
+    // The wave moves only while it can be seen: behind another section it would keep the window drawing.
     Timer {
         interval: 500
         repeat: true
-        running: welcome.quote.length === 0
+        running: welcome.visible && welcome.quote.length === 0
         onTriggered: welcome.count = welcome.count === 3 ? 0 : welcome.count + 1
     }
 
@@ -47,7 +48,9 @@ Item {
             font.pixelSize: 34
             wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignHCenter
-            opacity: visible ? 1 : 0
+            // Fades in when the quote arrives (bound to the quote, not to the visibility that every change of
+            // section flips).
+            opacity: welcome.quote.length > 0 ? 1 : 0
             Behavior on opacity { NumberAnimation { duration: 600; easing.type: Easing.InOutQuad } }
         }
 
