@@ -240,7 +240,7 @@ int main(int argc, char *argv[])
                    (quoteServed ? !viewModel.randomQuote().isEmpty()
                                 : server.requests().filter(u"/randomquote/"_qs).size() == 1);
         },
-        120);
+        600); // the address book is read at the lowest priority: on a busy machine that takes its time
     if (!ready) {
         std::fprintf(stderr, "%s: the window did not get ready\n", qPrintable(screen));
         return 1;
