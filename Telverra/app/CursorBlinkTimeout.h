@@ -20,8 +20,6 @@ public:
     /// The cursor blinks again, as the desktop has it.
     ~CursorBlinkTimeout() override;
 
-    bool isBlinking() const { return !m_stopped; }
-
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
