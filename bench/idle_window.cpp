@@ -16,7 +16,6 @@
 #include "app/SymbolIconProvider.h"
 #include "calls/CallsManager.h"
 #include "calls/Clipboard.h"
-#include "calls/Workspace.h"
 #include "contacts/ContactPhotoProvider.h"
 #include "contacts/ContactStoreManager.h"
 #include "contacts/ContactsDataService.h"
@@ -26,6 +25,7 @@
 #include "settings/Preferences.h"
 #include "store/CoreDataManager.h"
 #include "support/LoopbackHttpServer.h"
+#include "support/RecordingWorkspace.h"
 #include "support/ScriptedLocation.h"
 
 #include <QDeadlineTimer>
@@ -50,13 +50,6 @@
 Q_IMPORT_QML_PLUGIN(TelverraPlugin)
 
 namespace {
-
-class NoWorkspace : public Workspace
-{
-public:
-    void open(const LaunchAddress &) override {}
-    void openWithApplication(const LaunchAddress &, const QString &, OpenCompletion) override {}
-};
 
 // The process's CPU time so far, every thread, in milliseconds.
 double cpuMilliseconds()
@@ -184,7 +177,7 @@ int main(int argc, char *argv[])
 
     Preferences preferences(dir.path() + u"/telverra.conf");
     preferences.setValue(PreferenceKey::fixedQuoteOnStartup, welcome);
-    NoWorkspace workspace;
+    RecordingWorkspace workspace; // launches nothing
     SystemClipboard clipboard;
     CallsManager calls(workspace, preferences, clipboard);
     CoreDataManager store(home.storeFile());
