@@ -5,6 +5,8 @@
 #include "DesktopActivation.h"
 #include "DesktopSearch.h"
 #include "HomeWindowViewModel.h"
+#include "WindowActivation.h"
+#include "calls/Clipboard.h"
 #include "contacts/ContactPhotoProvider.h"
 #include "contacts/ContactStoreManager.h"
 #include "contacts/ContactsDataService.h"
@@ -141,6 +143,22 @@ void tellStoreFailuresOnScreen()
     });
 }
 
+// How long an action that reads the clipboard waits for the window to get the focus.
+constexpr int focusWaitMilliseconds = 5000;
+
+// Runs a desktop action in the window. The clipboard call waits until the window has the focus where the desktop
+// hands the clipboard only to the focused window (Wayland): read before that, there is nothing true to dial. If the
+// focus does not come, the call itself tells the user so.
+void runActionWhenReady(HomeWindowViewModel &viewModel, const QString &action)
+{
+    if (action != u"call-from-clipboard" || SystemClipboard().isReadable()) {
+        DesktopActivation::runAction(viewModel, action);
+        return;
+    }
+    WindowActivation::whenFocused(&viewModel, focusWaitMilliseconds,
+                                  [&viewModel, action](bool) { DesktopActivation::runAction(viewModel, action); });
+}
+
 void showContactsSearch(HomeWindowViewModel &viewModel, const QString &text)
 {
     viewModel.setIsContactsShown(true);
@@ -159,13 +177,22 @@ int runService(QGuiApplication &app)
     environment.headless = true;
     HomeWindowViewModel viewModel(environment);
     CommandService commands(viewModel);
-    auto handOver = [&commands, &app](const QStringList &arguments) {
+    auto handOver = [&commands, &app](const QStringList &arguments, const QString &token = {}) {
         commands.unregisterFromSessionBus();
-        QProcess::startDetached(QCoreApplication::applicationFilePath(), arguments);
+        // The launcher's token goes to the new process, whose window takes the focus with it.
+        QProcess process;
+        process.setProgram(QCoreApplication::applicationFilePath());
+        process.setArguments(arguments);
+        QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+        for (const auto &[name, value] : WindowActivation::environmentFor(token)) {
+            variables.insert(name, value);
+        }
+        process.setProcessEnvironment(variables);
+        process.startDetached();
         QTimer::singleShot(500, &app, &QCoreApplication::quit); // after the reply has gone
     };
-    auto *activation = new DesktopActivation(&commands, [handOver](const QString &desktopAction) {
-        handOver(desktopAction.isEmpty() ? QStringList() : QStringList{u"--action"_qs, desktopAction});
+    auto *activation = new DesktopActivation(&commands, [handOver](const QString &desktopAction, const QString &token) {
+        handOver(desktopAction.isEmpty() ? QStringList() : QStringList{u"--action"_qs, desktopAction}, token);
     });
     DesktopSearch desktopSearch(viewModel, [handOver](const QString &text) { handOver({u"--search"_qs, text}); });
     QTimer idle;
@@ -335,17 +362,11 @@ int run(int argc, char *argv[])
     }
     HomeWindowViewModel viewModel;
     QPointer<QQuickWindow> window;
-    auto raise = [&window] {
-        if (window) {
-            window->show();
-            window->raise();
-            window->requestActivate();
-        }
-    };
+    auto raise = [&window](const QString &token = {}) { WindowActivation::bringToFront(window, token); };
     CommandService commands(viewModel);
-    new DesktopActivation(&commands, [&viewModel, raise](const QString &desktopAction) {
-        raise();
-        DesktopActivation::runAction(viewModel, desktopAction);
+    new DesktopActivation(&commands, [&viewModel, raise](const QString &desktopAction, const QString &token) {
+        raise(token);
+        runActionWhenReady(viewModel, desktopAction);
     });
     DesktopSearch desktopSearch(viewModel, [&viewModel, raise](const QString &text) {
         showContactsSearch(viewModel, text);
@@ -379,7 +400,7 @@ int run(int argc, char *argv[])
         [&viewModel] { viewModel.contactsDataService().allowBackgroundReading(); },
         static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
     if (!action.isEmpty()) {
-        DesktopActivation::runAction(viewModel, action);
+        runActionWhenReady(viewModel, action);
     }
     if (parser.isSet(searchOption)) {
         showContactsSearch(viewModel, parser.value(searchOption));

@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include "HomeWindowViewModel.h"
+#include "WindowActivation.h"
 #include "calls/CallsManager.h"
 #include "contacts/ContactSearchIndex.h"
 #include "contacts/ContactStoreManager.h"
@@ -201,6 +202,10 @@ std::optional<int> launchInRunningWindow(const QString &command, const QString &
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected() || !bus.interface() || !bus.interface()->isServiceRegistered(serviceName)) {
         return std::nullopt;
+    }
+    // Started by a launcher that lets it take the focus: the window comes to the front for the launch.
+    if (!WindowActivation::platformDataFromEnvironment().isEmpty()) {
+        CommandService::activateRunningWindow();
     }
     QDBusMessage call = QDBusMessage::createMethodCall(serviceName, objectPath, serviceName, u"Launch"_qs);
     call << command << destination;
@@ -434,10 +439,12 @@ bool CommandService::activateRunningWindow(const QString &action)
     QDBusMessage call = action.isEmpty()
                             ? QDBusMessage::createMethodCall(serviceName, objectPath, interface, u"Activate"_qs)
                             : QDBusMessage::createMethodCall(serviceName, objectPath, interface, u"ActivateAction"_qs);
+    // With this start's own activation token or startup id, which let the window take the focus.
+    const QVariantMap platformData = WindowActivation::platformDataFromEnvironment();
     if (action.isEmpty()) {
-        call << QVariantMap();
+        call << platformData;
     } else {
-        call << action << QVariantList() << QVariantMap();
+        call << action << QVariantList() << platformData;
     }
     return bus.call(call, QDBus::Block, 10000).type() == QDBusMessage::ReplyMessage;
 }

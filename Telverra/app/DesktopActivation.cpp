@@ -1,13 +1,15 @@
 #include "DesktopActivation.h"
 
 #include "HomeWindowViewModel.h"
+#include "WindowActivation.h"
 
 #include <QDBusConnection>
 #include <QDBusError>
 
 const QStringList DesktopActivation::actions = {u"new-meet"_qs, u"call-from-clipboard"_qs, u"dialer"_qs};
 
-DesktopActivation::DesktopActivation(QObject *exported, std::function<void(const QString &)> showWindow)
+DesktopActivation::DesktopActivation(QObject *exported,
+                                     std::function<void(const QString &, const QString &)> showWindow)
     : QDBusAbstractAdaptor(exported)
     , m_showWindow(std::move(showWindow))
 {}
@@ -28,9 +30,8 @@ bool DesktopActivation::runAction(HomeWindowViewModel &viewModel, const QString 
 
 void DesktopActivation::Activate(const QVariantMap &platformData)
 {
-    Q_UNUSED(platformData);
     Q_EMIT used();
-    m_showWindow(QString());
+    m_showWindow(QString(), WindowActivation::token(platformData));
 }
 
 namespace {
@@ -46,13 +47,12 @@ void DesktopActivation::ActivateAction(const QString &name, const QVariantList &
                                        const QVariantMap &platformData, const QDBusMessage &message)
 {
     Q_UNUSED(parameter);
-    Q_UNUSED(platformData);
     Q_EMIT used();
     if (!actions.contains(name)) {
         refuse(message, QDBusError::InvalidArgs, u"Telverra has no action named " + name);
         return;
     }
-    m_showWindow(name);
+    m_showWindow(name, WindowActivation::token(platformData));
 }
 
 void DesktopActivation::Open(const QStringList &uris, const QVariantMap &platformData, const QDBusMessage &message)

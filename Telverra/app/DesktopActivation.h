@@ -21,8 +21,9 @@ public:
     /// and the dialer.
     static const QStringList actions;
 
-    /// `showWindow` brings the window to the front and runs the action named, if any.
-    DesktopActivation(QObject *exported, std::function<void(const QString &action)> showWindow);
+    /// `showWindow` brings the window to the front, with the launcher's activation token or startup id when the
+    /// call carries one, and runs the action named, if any.
+    DesktopActivation(QObject *exported, std::function<void(const QString &action, const QString &token)> showWindow);
 
     /// Runs an action on the view model; false for a name that is none of them.
     static bool runAction(HomeWindowViewModel &viewModel, const QString &name);
@@ -38,5 +39,5 @@ Q_SIGNALS:
     void used();
 
 private:
-    std::function<void(const QString &)> m_showWindow;
+    std::function<void(const QString &, const QString &)> m_showWindow;
 };

@@ -584,6 +584,12 @@ void HomeWindowViewModel::makeCallFromDialer()
 
 void HomeWindowViewModel::makeCallFromClipboard()
 {
+    if (!m_clipboard->isReadable()) {
+        // Dialling what this program last saw there could call the wrong number: nothing is dialled.
+        publishMessage(tr("Telverra can read the clipboard only while its window is in front. Bring the window to "
+                          "the front and try again."));
+        return;
+    }
     if (const std::optional<QString> text = m_clipboard->plainText()) {
         makeCallFromText(*text);
     }
@@ -731,7 +737,11 @@ void HomeWindowViewModel::saveFavoriteTelcosOrder()
 
 void HomeWindowViewModel::publishError(const CallsManagerError &error)
 {
-    const QString text = error.errorDescription();
+    publishMessage(error.errorDescription());
+}
+
+void HomeWindowViewModel::publishMessage(const QString &text)
+{
     Trace::line(text);
     m_callManagerErrorMessage = text;
     Q_EMIT callManagerErrorMessageChanged();

@@ -27,7 +27,8 @@ grep -q ', 0 failed' "$stage/self-test.out"
 (cd "$build" && cpack -G DEB -B "$stage/package" >/dev/null)
 depends=$(dpkg-deb -f "$stage"/package/telverra_*.deb Depends)
 echo "Depends: $depends"
-for package in $("$source/scripts/qml-depends" "$source/Telverra"); do
+# The QML modules' packages, and the Wayland platform plugin, without which a Wayland session gets no window.
+for package in $("$source/scripts/qml-depends" "$source/Telverra") qt6-wayland; do
     grep -Eq "(^|, )$package( |,|$)" <<<"$depends" || { echo "the package does not depend on $package" >&2; exit 1; }
 done
-echo "every QML import's package is in Depends"
+echo "every QML import's package and the Wayland platform are in Depends"
