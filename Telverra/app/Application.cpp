@@ -254,6 +254,9 @@ int run(int argc, char *argv[])
     for (int i = 0; i < argc; ++i) {
         arguments.append(QString::fromLocal8Bit(argv[i]));
     }
+    // A second start hands its launcher's token to the running window; Qt's X11 platform takes DESKTOP_STARTUP_ID out
+    // of the environment when it starts, so it is read first.
+    const QVariantMap launcherPlatformData = WindowActivation::platformDataFromEnvironment();
     if (CommandLine::isCommand(arguments)) {
         // No window: a console application, so that commands work without a display.
         QCoreApplication app(argc, argv);
@@ -345,7 +348,7 @@ int run(int argc, char *argv[])
         return 2;
     }
     // One window: a second start brings the first to the front (and runs its action there).
-    if (!parser.isSet(screenshotsOption) && CommandService::activateRunningWindow(action)) {
+    if (!parser.isSet(screenshotsOption) && CommandService::activateRunningWindow(action, launcherPlatformData)) {
         return 0;
     }
 
@@ -375,7 +378,7 @@ int run(int argc, char *argv[])
     // Commands from the command line and the desktop reach this window. Another window that took the name meanwhile
     // is the one the user gets.
     desktopSearch.registerOn(QDBusConnection::sessionBus());
-    if (!commands.registerOnSessionBus() && CommandService::activateRunningWindow(action)) {
+    if (!commands.registerOnSessionBus() && CommandService::activateRunningWindow(action, launcherPlatformData)) {
         return 0;
     }
 

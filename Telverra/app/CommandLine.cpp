@@ -204,8 +204,8 @@ std::optional<int> launchInRunningWindow(const QString &command, const QString &
         return std::nullopt;
     }
     // Started by a launcher that lets it take the focus: the window comes to the front for the launch.
-    if (!WindowActivation::platformDataFromEnvironment().isEmpty()) {
-        CommandService::activateRunningWindow();
+    if (const QVariantMap platformData = WindowActivation::platformDataFromEnvironment(); !platformData.isEmpty()) {
+        CommandService::activateRunningWindow(QString(), platformData);
     }
     QDBusMessage call = QDBusMessage::createMethodCall(serviceName, objectPath, serviceName, u"Launch"_qs);
     call << command << destination;
@@ -429,7 +429,7 @@ void CommandService::unregisterFromSessionBus()
     QDBusConnection::sessionBus().unregisterService(serviceName);
 }
 
-bool CommandService::activateRunningWindow(const QString &action)
+bool CommandService::activateRunningWindow(const QString &action, const QVariantMap &platformData)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected() || !bus.interface() || !bus.interface()->isServiceRegistered(serviceName)) {
@@ -439,8 +439,6 @@ bool CommandService::activateRunningWindow(const QString &action)
     QDBusMessage call = action.isEmpty()
                             ? QDBusMessage::createMethodCall(serviceName, objectPath, interface, u"Activate"_qs)
                             : QDBusMessage::createMethodCall(serviceName, objectPath, interface, u"ActivateAction"_qs);
-    // With this start's own activation token or startup id, which let the window take the focus.
-    const QVariantMap platformData = WindowActivation::platformDataFromEnvironment();
     if (action.isEmpty()) {
         call << platformData;
     } else {

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QStringList>
+#include <QVariantMap>
 
 class HomeWindowViewModel;
 
@@ -59,8 +60,8 @@ public:
     /// Gives the name up, for another process to take.
     void unregisterFromSessionBus();
     /// Brings a running window to the front, running a desktop action there when one is named; false when no window
-    /// runs (or it did not answer).
-    static bool activateRunningWindow(const QString &action = {});
+    /// runs (or it did not answer). `platformData` carries the launcher's token (WindowActivation).
+    static bool activateRunningWindow(const QString &action = {}, const QVariantMap &platformData = {});
 
 public Q_SLOTS:
     /// Runs a launch command in this window; answers (status, error text) when it is over.
