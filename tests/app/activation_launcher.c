@@ -25,8 +25,6 @@ static int asked, done;
 
 static void global(void *data, struct wl_registry *registry, uint32_t name, const char *interface, uint32_t version)
 {
-    (void)data;
-    (void)version;
     if (strcmp(interface, wl_compositor_interface.name) == 0)
         compositor = wl_registry_bind(registry, name, &wl_compositor_interface, 4);
     else if (strcmp(interface, wl_shm_interface.name) == 0)
@@ -39,18 +37,12 @@ static void global(void *data, struct wl_registry *registry, uint32_t name, cons
         activation = wl_registry_bind(registry, name, &xdg_activation_v1_interface, 1);
 }
 
-static void global_remove(void *data, struct wl_registry *registry, uint32_t name)
-{
-    (void)data;
-    (void)registry;
-    (void)name;
-}
+static void global_remove(void *data, struct wl_registry *registry, uint32_t name) {}
 
 static const struct wl_registry_listener registry_listener = {global, global_remove};
 
 static void ping(void *data, struct xdg_wm_base *base, uint32_t serial)
 {
-    (void)data;
     xdg_wm_base_pong(base, serial);
 }
 
@@ -76,7 +68,6 @@ static struct wl_buffer *grey_buffer(void)
 
 static void surface_configure(void *data, struct xdg_surface *xdg_surface, uint32_t serial)
 {
-    (void)data;
     static struct wl_buffer *buffer;
     xdg_surface_ack_configure(xdg_surface, serial);
     if (!buffer) {
@@ -90,7 +81,6 @@ static const struct xdg_surface_listener surface_listener = {surface_configure};
 
 static void token_done(void *data, struct xdg_activation_token_v1 *token, const char *text)
 {
-    (void)data;
     printf("token %s\n", text);
     fflush(stdout);
     xdg_activation_token_v1_destroy(token);
@@ -100,19 +90,12 @@ static const struct xdg_activation_token_v1_listener token_listener = {token_don
 
 static void keymap(void *d, struct wl_keyboard *k, uint32_t f, int32_t fd, uint32_t s)
 {
-    (void)d;
-    (void)k;
-    (void)f;
-    (void)s;
     close(fd);
 }
 
 static void enter(void *data, struct wl_keyboard *keyboard, uint32_t serial, struct wl_surface *focus,
                   struct wl_array *keys)
 {
-    (void)data;
-    (void)keyboard;
-    (void)keys;
     if (focus != surface || asked)
         return;
     asked = 1;
@@ -125,9 +108,6 @@ static void enter(void *data, struct wl_keyboard *keyboard, uint32_t serial, str
 
 static void leave(void *data, struct wl_keyboard *keyboard, uint32_t serial, struct wl_surface *focus)
 {
-    (void)data;
-    (void)keyboard;
-    (void)serial;
     if (focus == surface && asked) {
         printf("left\n");
         fflush(stdout);
@@ -135,26 +115,9 @@ static void leave(void *data, struct wl_keyboard *keyboard, uint32_t serial, str
     }
 }
 
-static void key(void *d, struct wl_keyboard *k, uint32_t s, uint32_t t, uint32_t key, uint32_t state)
-{
-    (void)d;
-    (void)k;
-    (void)s;
-    (void)t;
-    (void)key;
-    (void)state;
-}
+static void key(void *d, struct wl_keyboard *k, uint32_t s, uint32_t t, uint32_t key, uint32_t state) {}
 
-static void modifiers(void *d, struct wl_keyboard *k, uint32_t s, uint32_t a, uint32_t b, uint32_t c, uint32_t g)
-{
-    (void)d;
-    (void)k;
-    (void)s;
-    (void)a;
-    (void)b;
-    (void)c;
-    (void)g;
-}
+static void modifiers(void *d, struct wl_keyboard *k, uint32_t s, uint32_t a, uint32_t b, uint32_t c, uint32_t g) {}
 
 static const struct wl_keyboard_listener keyboard_listener = {keymap, enter, leave, key, modifiers, NULL};
 
