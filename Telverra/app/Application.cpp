@@ -144,7 +144,7 @@ void tellStoreFailuresOnScreen()
 }
 
 // How long an action that reads the clipboard waits for the window to get the focus.
-constexpr int focusWaitMilliseconds = 5000;
+constexpr int focusWaitMilliseconds = 10000;
 
 // Runs a desktop action in the window. The clipboard call waits until the window has the focus where the desktop
 // hands the clipboard only to the focused window (Wayland): read before that, there is nothing true to dial. If the
