@@ -29,23 +29,26 @@ bool onWayland()
 // How a copy and a read stay true to the desktop's clipboard on Wayland.
 //
 // The compositor hands the clipboard (wl_data_device.selection) only to the client with the keyboard focus, sends it
-// again each time that client gains the focus, and takes a copy (set_selection) only from the focused client and only
-// with the serial of an input event newer than that of the copy it replaces. Anything else it refuses (cancelled) or,
-// for a stale serial, ignores without a word. Qt 6.4 sends the serial of the window's last key or button event (0
-// before the first), not that of the focus it gained; and while it has a copy of its own it answers every read with
-// it, until the compositor cancels it. So a copy made without fresh input, such as after a launch that came from
-// outside, is ignored by the compositor while Qt goes on reading it back as the clipboard: the wrong number is dialled.
+// again each time that client gains the focus, and takes a copy (set_selection) only with the serial of an input
+// event newer than that of the copy it replaces (GNOME's, also only from the focused client). Anything else it refuses
+// (cancelled) or, for a stale serial, ignores without a word. Qt 6.4 sends the serial of the window's last key or
+// button event (0 before the first), not that of the focus it gained; and while it has a copy of its own it answers
+// every read with it, until the compositor cancels it. So a copy made without fresh input, such as after a launch that
+// came from outside, is ignored by the compositor while Qt goes on reading it back as the clipboard: the wrong number
+// is dialled.
 //
 // Hence the two rules:
-// - Read only while a window of ours has the keyboard focus: then the compositor has just told us the clipboard, and
-//   any copy of ours that Qt still holds is the one the compositor took (it cancels ours when another program copies).
+// - Read only while a window of ours has the keyboard focus: then the compositor has told us the clipboard as it is,
+//   and a copy of ours that Qt still holds is one the compositor took (by the second rule none is ever ignored, and
+//   the compositor cancels ours when another program copies).
 // - Copy only while a window of ours has the focus and the user has pressed a key or a button in it since it gained
 //   the focus: that event's serial is newer than any copy made by another program, which could copy only while it
 //   had the focus, before us. A copy asked for at another moment is held, and made at the first press in the window
 //   once it is in front; it is dropped when the window loses the focus first or is not brought to the front soon.
 //   A held copy is never read back: Qt only learns of it when it is made.
 //
-// X11 has neither limit (any client may read the selection, and Qt tracks who owns it), so there a copy is made at
+// X11 has neither limit: any client may read the selection at any time, and the server tells the owner when another
+// client takes it (SelectionClear), so Qt never answers with a copy that is no longer there. There a copy is made at
 // once and a read answered always, as before.
 class WaylandCopyGate : public QObject
 {
