@@ -88,9 +88,11 @@ ApplicationWindow {
     menuBar: Loader {
         id: menuLoader
         asynchronous: true
-        sourceComponent: MenuBar {
+        sourceComponent: ActionMenuBar {
         Menu {
+            objectName: "viewMenu"
             title: "&View"
+            delegate: ActionMenuItem {}
             Action { text: "Toggle sidebar"; shortcut: "Ctrl+0"; onTriggered: window.sidebarShown = !window.sidebarShown }
             Action { text: "Update weather info"; shortcut: "Ctrl+Shift+W"; onTriggered: window.viewModel.updateWeatherInfo() }
             MenuSeparator {}
@@ -100,7 +102,9 @@ ApplicationWindow {
             Action { text: "Contacts"; shortcut: "Ctrl+4"; onTriggered: window.viewModel.isContactsShown = true }
         }
         Menu {
+            objectName: "callMenu"
             title: "&Call"
+            delegate: ActionMenuItem {}
             Action { text: "Make call from dialpad"; shortcut: "Ctrl+Return"; onTriggered: window.viewModel.makeCallFromDialer() }
             Action { text: "Clear display"; shortcut: "Ctrl+Backspace"; onTriggered: window.viewModel.clearDialer() }
             MenuSeparator {}
@@ -119,7 +123,7 @@ ApplicationWindow {
             anchors.fill: parent
             anchors.leftMargin: 6
             anchors.rightMargin: 6
-            ToolButton {
+            ActionToolButton {
                 objectName: "toggleSidebar"
                 Accessible.name: "Toggle sidebar"
                 contentItem: SymbolIcon { name: "sidebar.left"; size: 22 }
@@ -213,7 +217,7 @@ ApplicationWindow {
     Loader {
         id: errorAlert
         active: false
-        sourceComponent: Dialog {
+        sourceComponent: ActionDialog {
             id: alert
             objectName: "errorAlert"
             parent: Overlay.overlay

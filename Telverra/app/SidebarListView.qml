@@ -5,7 +5,8 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Telverra
 
-// The sidebar: the "Tools" section with its four entries, the clock and the "Configuration" menu.
+// The sidebar: the "Tools" section with its four entries, the clock and the "Configuration" menu. The entries are
+// reached with Tab and moved through with the arrows; a click, Enter or Space shows the entry's section.
 Pane {
     id: sidebar
 
@@ -15,6 +16,11 @@ Pane {
     signal settingsRequested()
 
     padding: 8
+
+    function focusEntry(row) {
+        if (row >= 0 && row < entries.count)
+            entries.itemAt(row).forceActiveFocus(Qt.TabFocusReason)
+    }
     background: Rectangle { color: sidebar.palette.alternateBase }
 
     ColumnLayout {
@@ -31,16 +37,18 @@ Pane {
         }
 
         Repeater {
+            id: entries
             model: [
                 { section: "dialer", label: "iPhone", symbol: "menubar.dock.rectangle" },
                 { section: "recents", label: "Recents", symbol: "list.dash" },
                 { section: "favorites", label: "Favorites", symbol: "heart.fill" },
                 { section: "contacts", label: "Contacts", symbol: "person.circle.fill" }
             ]
-            delegate: ItemDelegate {
+            delegate: ActionDelegate {
                 id: entry
 
                 required property var modelData
+                required property int index
                 readonly property bool selected: sidebar.currentSection === modelData.section
 
                 objectName: "sidebar-" + modelData.section
@@ -59,9 +67,15 @@ Pane {
                         text: entry.text
                         Layout.fillWidth: true
                         color: entry.selected ? sidebar.palette.highlightedText : sidebar.palette.windowText
+                        Accessible.ignored: true // the entry's name
                     }
                 }
+                Accessible.selectable: true
+                Accessible.selected: selected
                 onClicked: sidebar.sectionChosen(modelData.section)
+                onActivated: sidebar.sectionChosen(modelData.section)
+                Keys.onUpPressed: sidebar.focusEntry(index - 1)
+                Keys.onDownPressed: sidebar.focusEntry(index + 1)
             }
         }
 
@@ -72,7 +86,7 @@ Pane {
             Layout.bottomMargin: 8
         }
 
-        ToolButton {
+        ActionToolButton {
             id: gear
             objectName: "configurationMenuButton"
             Accessible.name: "Configuration"
@@ -85,12 +99,12 @@ Pane {
                 id: configurationMenu
                 objectName: "configurationMenu"
                 y: -height
-                MenuItem {
+                ActionMenuItem {
                     text: "Configuration"
                     icon.source: "image://symbols/gear?color=" + String(sidebar.palette.windowText).substring(1)
                     onTriggered: sidebar.settingsRequested()
                 }
-                MenuItem {
+                ActionMenuItem {
                     text: "Quit app"
                     icon.source: "image://symbols/gear?color=" + String(sidebar.palette.windowText).substring(1)
                     onTriggered: Qt.exit(0)

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Telverra
 
 // Shown when the history store cannot be opened, before the program stops: which file, what went wrong, that nothing
 // was touched, and how to start again with an empty history.
@@ -64,7 +65,7 @@ ApplicationWindow {
                   + "Telverra.sqlite.damaged) and start Telverra again. Keep the moved file if you want to recover it."
             wrapMode: Text.Wrap
         }
-        Button {
+        ActionButton {
             id: quit
             Layout.alignment: Qt.AlignRight
             text: "Quit"

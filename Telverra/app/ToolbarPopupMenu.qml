@@ -3,7 +3,7 @@ import QtQuick.Controls
 import Telverra
 
 // The toolbar's pop-up menu: a new Google Meet, or a call to whatever is on the clipboard.
-ToolButton {
+ActionToolButton {
     id: button
 
     required property var viewModel
@@ -15,13 +15,14 @@ ToolButton {
 
     Menu {
         id: menu
+        objectName: "launchMenu"
         y: button.height
-        MenuItem {
+        ActionMenuItem {
             text: "New Google Meet"
             icon.source: "image://symbols/video.bubble.left.fill?color=" + String(button.palette.windowText).substring(1)
             onTriggered: button.viewModel.startNewGoogleMeet()
         }
-        MenuItem {
+        ActionMenuItem {
             text: "Call from clipboard"
             icon.source: "image://symbols/doc.on.clipboard?color=" + String(button.palette.windowText).substring(1)
             onTriggered: button.viewModel.makeCallFromClipboard()

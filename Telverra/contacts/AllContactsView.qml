@@ -73,7 +73,7 @@ FocusScope {
                 Keys.onEscapePressed: text = ""
                 Keys.onDownPressed: { list.forceActiveFocus(); if (list.currentIndex < 0) list.currentIndex = 0 }
             }
-            ToolButton {
+            ActionToolButton {
                 objectName: "alphabetToggle"
                 implicitHeight: search.implicitHeight
                 implicitWidth: search.implicitHeight
@@ -99,14 +99,16 @@ FocusScope {
                 Layout.fillHeight: true
                 clip: true
                 focus: true
+                activeFocusOnTab: true
                 model: view.contacts
                 reuseItems: true
                 cacheBuffer: 400
                 boundsBehavior: Flickable.StopAtBounds
                 highlightMoveDuration: 0
                 keyNavigationEnabled: true
+                Accessible.role: Accessible.List
                 Accessible.name: "Contacts"
-                ScrollBar.vertical: ScrollBar { policy: ScrollBar.AsNeeded }
+                ScrollBar.vertical: ActionScrollBar { policy: ScrollBar.AsNeeded }
                 delegate: ContactsCellView {
                     viewModel: view.viewModel
                     contactsView: view
@@ -126,8 +128,6 @@ FocusScope {
                     Accessible.role: Accessible.Heading
                     Accessible.name: "Section " + section
                 }
-                Keys.onReturnPressed: if (currentItem) currentItem.startAction("telephone")
-                Keys.onEnterPressed: if (currentItem) currentItem.startAction("telephone")
             }
 
             // The alphabet index at the trailing edge: one link per letter.
@@ -140,7 +140,7 @@ FocusScope {
                 readonly property real letterHeight: Math.max(10, Math.min(20, list.height / Math.max(1, view.contacts.letters.length)))
                 Repeater {
                     model: view.contacts.letters
-                    delegate: AbstractButton {
+                    delegate: ActionControl {
                         id: letterButton
                         required property string modelData
                         objectName: "index-" + modelData
@@ -160,6 +160,7 @@ FocusScope {
                             font.underline: letterButton.hovered
                             horizontalAlignment: Text.AlignRight
                             verticalAlignment: Text.AlignVCenter
+                            Accessible.ignored: true // the link's name says it
                         }
                         onClicked: view.jumpTo(modelData)
                     }
@@ -223,14 +224,14 @@ FocusScope {
     Menu {
         id: contactMenu
         objectName: "contactMenu"
-        MenuItem {
+        ActionMenuItem {
             text: "Add to favorites"
             icon.source: "image://symbols/star.fill?color=" + String(view.palette.windowText).substring(1)
             onTriggered: view.viewModel.addContactToFavoritesById(view.menuContact)
         }
     }
 
-    Dialog {
+    ActionDialog {
         id: permissionAlert
         objectName: "contactsPermissionAlert"
         anchors.centerIn: parent

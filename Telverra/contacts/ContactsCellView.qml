@@ -7,8 +7,9 @@ import Telverra
 
 // One contact: avatar, name, its first number and address, and the quick actions the settings enable. A quick action
 // calls at once when the contact has one number (or address) for it, and shows the chips to choose from when it has
-// several; a contact with none for it has the button dimmed.
-ItemDelegate {
+// several; a contact with none for it has the button dimmed. Activating the row (double click, Enter, Space) calls its
+// first number.
+ActionDelegate {
     id: cell
 
     required property var viewModel
@@ -74,12 +75,8 @@ ItemDelegate {
     ListView.onReused: { collapse(); contactsView.screen.rowAppeared(identifier) }
     ListView.onPooled: collapse()
 
-    onClicked: { ListView.view.currentIndex = index; ListView.view.forceActiveFocus() }
-    onDoubleClicked: startAction("telephone")
-    TapHandler {
-        acceptedButtons: Qt.RightButton
-        onTapped: cell.contactsView.openContactMenu(cell.identifier, cell.name)
-    }
+    onActivated: startAction("telephone")
+    onMenuRequested: contactsView.openContactMenu(identifier, name)
     Keys.onEscapePressed: event => { if (cell.showQuickActions) cell.collapse(); else event.accepted = false }
 
     contentItem: ColumnLayout {
@@ -101,6 +98,7 @@ ItemDelegate {
                     font.pixelSize: 15
                     font.weight: Font.DemiBold
                     elide: Text.ElideRight
+                    Accessible.ignored: true // the row's name
                 }
                 Row {
                     spacing: 6
@@ -113,7 +111,7 @@ ItemDelegate {
                 spacing: 2
                 Repeater {
                     model: cell.quickActions
-                    delegate: AbstractButton {
+                    delegate: ActionControl {
                         id: action
                         required property string modelData
                         readonly property bool available: cell.tagsFor(modelData).length > 0
@@ -121,11 +119,13 @@ ItemDelegate {
                         width: 30
                         height: 30
                         enabled: available
-                        focusPolicy: Qt.TabFocus
+                        // Tab reaches the buttons of the current row only, not those of every row in view.
+                        focusPolicy: cell.ListView.isCurrentItem ? Qt.TabFocus : Qt.NoFocus
                         Keys.onReturnPressed: clicked()
                         Keys.onEnterPressed: clicked()
                         Accessible.role: Accessible.Button
                         Accessible.name: cell.actionNames[modelData] + " " + cell.name
+                        Accessible.description: available ? "" : ToolTip.text
                         ToolTip.visible: hovered
                         ToolTip.delay: 600
                         ToolTip.text: available ? cell.actionNames[modelData]
@@ -165,7 +165,8 @@ ItemDelegate {
                     onClicked: cell.choose(modelData)
                 }
             }
-            Button {
+            ActionButton {
+                objectName: "cancelChoice"
                 text: "Cancel"
                 flat: true
                 Accessible.name: "Cancel"

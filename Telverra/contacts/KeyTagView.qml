@@ -25,5 +25,6 @@ Rectangle {
         color: tag.palette.placeholderText
         elide: Text.ElideRight
         width: Math.min(implicitWidth, 260)
+        Accessible.ignored: true // the tag's own name says it once
     }
 }

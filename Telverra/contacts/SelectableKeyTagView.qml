@@ -1,8 +1,9 @@
 import QtQuick
 import QtQuick.Controls
+import Telverra
 
 // A contact's detail as a chip to choose: its label above its value. The chosen chip stands out in the accent colour.
-AbstractButton {
+ActionControl {
     id: chip
 
     required property var key
@@ -32,12 +33,14 @@ AbstractButton {
             font.pixelSize: 10
             font.weight: Font.Light
             color: chip.selected ? "white" : (chip.dark ? "#f2a33a" : "#c46a00")
+            Accessible.ignored: true // the chip's name says both
         }
         Label {
             text: chip.key.number
             font.pixelSize: 12
             font.weight: Font.Light
             color: chip.selected ? "white" : chip.palette.windowText
+            Accessible.ignored: true
         }
     }
 }

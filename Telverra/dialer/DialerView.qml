@@ -80,7 +80,7 @@ Item {
             Layout.alignment: Qt.AlignHCenter
             spacing: 16
 
-            Button {
+            ActionButton {
                 objectName: "clipboardButton"
                 Accessible.name: "Call from clipboard"
                 focusPolicy: Qt.NoFocus
@@ -90,7 +90,7 @@ Item {
                 background: Rectangle { radius: 30; color: parent.down ? "#c8c8cc" : "#8e8e93" }
                 onClicked: dialerView.viewModel.makeCallFromClipboard()
             }
-            Button {
+            ActionButton {
                 objectName: "callButton"
                 Accessible.name: "Call"
                 focusPolicy: Qt.NoFocus
@@ -102,11 +102,12 @@ Item {
                     horizontalAlignment: Text.AlignHCenter
                     verticalAlignment: Text.AlignVCenter
                     color: parent.down ? "#34c759" : "white"
+                    Accessible.ignored: true
                 }
                 background: Rectangle { radius: 30; color: parent.down ? "white" : "#34c759" }
                 onClicked: dialerView.viewModel.makeCallFromDialer()
             }
-            Button {
+            ActionButton {
                 objectName: "deleteButton"
                 Accessible.name: "Delete"
                 focusPolicy: Qt.NoFocus

@@ -1,8 +1,9 @@
 import QtQuick
 import QtQuick.Controls
+import Telverra
 
 // One key of the pad: its label at size 24 in a 60×60 circle; the "0" key carries a small "+".
-Button {
+ActionButton {
     id: keyButton
 
     property string key
@@ -24,6 +25,7 @@ Button {
             text: keyButton.key
             font.pixelSize: 24
             color: "white"
+            Accessible.ignored: true // the key's name says it
         }
         Label {
             anchors.horizontalCenter: parent.horizontalCenter
@@ -31,6 +33,7 @@ Button {
             text: "+"
             font.pixelSize: 12
             color: "white"
+            Accessible.ignored: true
         }
       }
     }

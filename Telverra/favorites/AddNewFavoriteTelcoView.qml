@@ -5,7 +5,7 @@ import Telverra
 
 // The sheet that adds a meeting link, or edits one: a name and an address. Escape cancels, Return saves. Empty texts
 // are marked but still saved, as the user asked.
-Dialog {
+ActionDialog {
     id: sheet
 
     required property var viewModel
@@ -106,18 +106,19 @@ Dialog {
     }
 
     footer: DialogButtonBox {
-        Button {
-            objectName: "cancelTelco"
-            text: "Cancel"
-            Accessible.name: "Cancel"
-            DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
-        }
-        Button {
+        // Declared in the order they stand, which is the order Tab takes.
+        ActionButton {
             objectName: "addTelco"
             text: "Add Telco"
             Accessible.name: "Add Telco"
             highlighted: true
             DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
+        }
+        ActionButton {
+            objectName: "cancelTelco"
+            text: "Cancel"
+            Accessible.name: "Cancel"
+            DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
         }
     }
 

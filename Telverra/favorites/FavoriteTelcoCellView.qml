@@ -4,8 +4,8 @@ import QtQuick.Layouts
 import Telverra
 
 // One saved link: its name, the label of its kind and the address, with a handle to drag it elsewhere in the list.
-// Double click or Enter opens it; Alt+Up and Alt+Down move it; Delete asks before removing it.
-ItemDelegate {
+// Activating it (double click, Enter, Space) opens it; Alt+Up and Alt+Down move it; Delete asks before removing it.
+ActionDelegate {
     id: cell
 
     required property var favoritesView
@@ -17,15 +17,11 @@ ItemDelegate {
 
     objectName: "telco-" + index
     width: ListView.view ? ListView.view.width : implicitWidth
-    highlighted: activeFocus
-    focusPolicy: Qt.StrongFocus
     leftPadding: 4
     Accessible.name: name + ", " + kind + ", " + value
 
-    onClicked: forceActiveFocus()
-    onDoubleClicked: favoritesView.openTelco(value)
-    Keys.onReturnPressed: favoritesView.openTelco(value)
-    Keys.onEnterPressed: favoritesView.openTelco(value)
+    onActivated: favoritesView.openTelco(value)
+    onMenuRequested: favoritesView.openTelcoMenu(index)
     Keys.onDeletePressed: favoritesView.confirmTelcoRemoval(index, name)
     Keys.onUpPressed: event => {
         if (event.modifiers & Qt.AltModifier)
@@ -38,10 +34,6 @@ ItemDelegate {
             favoritesView.moveTelco(index, index + 1)
         else
             event.accepted = false
-    }
-    TapHandler {
-        acceptedButtons: Qt.RightButton
-        onTapped: cell.favoritesView.openTelcoMenu(cell.index)
     }
 
     contentItem: RowLayout {
@@ -70,12 +62,14 @@ ItemDelegate {
                 text: cell.name
                 font.pixelSize: 19
                 elide: Text.ElideRight
+                Accessible.ignored: true // read in the row's name
             }
             Label {
                 Layout.fillWidth: true
                 text: cell.kind
                 font.pixelSize: 14
                 font.bold: true
+                Accessible.ignored: true
             }
             Label {
                 Layout.fillWidth: true
@@ -83,6 +77,7 @@ ItemDelegate {
                 font.pixelSize: 12
                 color: cell.palette.placeholderText
                 elide: Text.ElideMiddle
+                Accessible.ignored: true
             }
         }
     }

@@ -34,9 +34,7 @@ Item {
             return
         viewModel.moveFavoriteTelco(from, to)
         telcoList.currentIndex = to
-        const row = telcoList.itemAtIndex(to)
-        if (row)
-            row.forceActiveFocus()
+        telcoList.forceActiveFocus()
     }
     function confirmTelcoRemoval(row, name) {
         removal = row
@@ -47,6 +45,17 @@ Item {
         const item = telcoList.itemAtIndex(row)
         viewModel.selectedFavoriteTelco = item.record
         editor.openToEdit(item.name, item.value)
+    }
+    // Scrolls the page so that the row with the keyboard focus is in view.
+    function reveal(row) {
+        if (!row)
+            return
+        const page = scroll.contentItem
+        const top = row.mapToItem(page.contentItem, 0, 0).y
+        if (top < page.contentY)
+            page.contentY = top
+        else if (top + row.height > page.contentY + page.height)
+            page.contentY = top + row.height - page.height
     }
     function beginTelcoDrag(row) {
         dragFrom = row
@@ -91,8 +100,16 @@ Item {
     }
 
     ScrollView {
+        id: scroll
         anchors.fill: parent
         contentWidth: availableWidth
+        ScrollBar.horizontal.policy: ScrollBar.AlwaysOff // nothing to scroll sideways
+        ScrollBar.vertical: ActionScrollBar {
+            parent: scroll
+            x: scroll.mirrored ? 0 : scroll.width - width
+            y: scroll.topPadding
+            height: scroll.availableHeight
+        }
 
         ColumnLayout {
             width: parent.width - 24
@@ -109,6 +126,12 @@ Item {
                 Layout.fillWidth: true
                 implicitHeight: contentHeight
                 interactive: false
+                activeFocusOnTab: true
+                keyNavigationEnabled: true
+                Accessible.role: Accessible.List
+                Accessible.name: qsTr("Favourite contacts")
+                onCurrentItemChanged: if (activeFocus) view.reveal(currentItem)
+                onActiveFocusChanged: if (activeFocus) view.reveal(currentItem)
                 model: view.contacts
                 delegate: ContactsCellView {
                     viewModel: view.viewModel
@@ -127,7 +150,7 @@ Item {
                 title: "Telcos"
                 count: view.telcos.count
                 Item { Layout.fillWidth: true }
-                ToolButton {
+                ActionToolButton {
                     objectName: "addTelco"
                     Accessible.name: "Add a meeting link"
                     ToolTip.visible: hovered
@@ -142,6 +165,12 @@ Item {
                 Layout.fillWidth: true
                 implicitHeight: contentHeight
                 interactive: false
+                activeFocusOnTab: true
+                keyNavigationEnabled: true
+                Accessible.role: Accessible.List
+                Accessible.name: qsTr("Saved links")
+                onCurrentItemChanged: if (activeFocus) view.reveal(currentItem)
+                onActiveFocusChanged: if (activeFocus) view.reveal(currentItem)
                 model: view.telcos
                 delegate: FavoriteTelcoCellView { favoritesView: view }
                 // Where a dragged link would land.
@@ -174,7 +203,7 @@ Item {
     Menu {
         id: contactMenu
         objectName: "favoriteContactMenu"
-        MenuItem {
+        ActionMenuItem {
             text: "Remove from Favorites"
             icon.source: "image://symbols/trash.fill?color=" + String(view.palette.windowText).substring(1)
             onTriggered: {
@@ -186,18 +215,18 @@ Item {
     Menu {
         id: telcoMenu
         objectName: "telcoMenu"
-        MenuItem {
+        ActionMenuItem {
             text: "Copy Value to clipboard"
             icon.source: "image://symbols/doc.on.doc.fill?color=" + String(view.palette.windowText).substring(1)
             onTriggered: view.viewModel.copyValueToClipboard(telcoList.itemAtIndex(view.menuTelco).value)
         }
-        MenuItem {
+        ActionMenuItem {
             text: "Edit favorite"
             icon.source: "image://symbols/pencil.circle.fill?color=" + String(view.palette.windowText).substring(1)
             onTriggered: view.editTelco(view.menuTelco)
         }
         MenuSeparator {}
-        MenuItem {
+        ActionMenuItem {
             text: "Remove from Favorites"
             icon.source: "image://symbols/trash.fill?color=" + String(view.palette.windowText).substring(1)
             onTriggered: view.telcos.removeAt(view.menuTelco)
@@ -209,7 +238,7 @@ Item {
         viewModel: view.viewModel
     }
 
-    Dialog {
+    ActionDialog {
         id: removeConfirmation
         objectName: "removeConfirmation"
         property alias text: question.text
@@ -217,7 +246,9 @@ Item {
         modal: true
         title: "Remove from Favorites"
         standardButtons: Dialog.Cancel | Dialog.Ok
-        Label { id: question; wrapMode: Text.Wrap }
+        // A fixed width keeps the wrapped question from feeding back into the dialog's own size.
+        width: Math.min(460, view.width * 0.8)
+        Label { id: question; wrapMode: Text.Wrap; width: removeConfirmation.availableWidth }
         Component.onCompleted: standardButton(Dialog.Ok).text = "Remove"
         onAccepted: view.telcos.removeAt(view.removal)
     }

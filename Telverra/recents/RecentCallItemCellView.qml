@@ -3,8 +3,9 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Telverra
 
-// One call of the history: avatar, who or what, and when. Double click calls again; right click for more.
-ItemDelegate {
+// One call of the history: avatar, who or what, and when. Activating it (double click, Enter) calls again; its menu
+// (right click, the Menu key) holds the rest.
+ActionDelegate {
     id: cell
 
     required property var viewModel
@@ -22,9 +23,8 @@ ItemDelegate {
 
     objectName: "recent-" + index
     height: 58
-    Accessible.name: title + ", " + subtitle + ", " + relativeDate
+    Accessible.name: [title, subtitle, relativeDate].map(text => text.trim()).filter(text => text.length > 0).join(", ")
 
-    function showMenu() { contextMenu.popup() }
 
     contentItem: RowLayout {
         spacing: 12
@@ -48,6 +48,7 @@ ItemDelegate {
                 font.pixelSize: cell.rowKind === "personal" ? 17 : 15
                 font.bold: true
                 elide: Text.ElideRight
+                Accessible.ignored: true // read in the row's name
             }
             Label {
                 Layout.fillWidth: true
@@ -55,6 +56,7 @@ ItemDelegate {
                 font.pixelSize: 12
                 color: cell.palette.placeholderText
                 elide: Text.ElideRight
+                Accessible.ignored: true
             }
         }
         Item { Layout.fillWidth: cell.rowKind === "none" }
@@ -63,30 +65,28 @@ ItemDelegate {
             text: cell.relativeDate
             font.pixelSize: 12
             color: cell.palette.placeholderText
+            Accessible.ignored: true
         }
     }
 
-    onDoubleClicked: cell.viewModel.recallRecentAt(cell.index)
-    TapHandler {
-        acceptedButtons: Qt.RightButton
-        onTapped: contextMenu.popup()
-    }
+    onActivated: cell.viewModel.recallRecentAt(cell.index)
+    onMenuRequested: contextMenu.popup()
 
     Menu {
         id: contextMenu
         objectName: "recentMenu"
-        MenuItem {
+        ActionMenuItem {
             text: "Add to favorites"
             icon.source: "image://symbols/star.fill?color=" + String(cell.palette.windowText).substring(1)
             onTriggered: cell.viewModel.addRecentToFavoritesAt(cell.index)
         }
-        MenuItem {
+        ActionMenuItem {
             text: "Copy Value to clipboard"
             icon.source: "image://symbols/doc.on.doc.fill?color=" + String(cell.palette.windowText).substring(1)
             onTriggered: cell.viewModel.copyRecentValueAt(cell.index)
         }
         MenuSeparator {}
-        MenuItem {
+        ActionMenuItem {
             text: "Remove from history"
             icon.source: "image://symbols/trash.circle.fill?color=" + String(cell.palette.windowText).substring(1)
             onTriggered: cell.viewModel.removeRecentAt(cell.index)

@@ -25,6 +25,7 @@ Item {
                 Layout.fillWidth: true
                 placeholderText: "search..."
                 Accessible.name: "Search the history"
+                Accessible.description: placeholderText
                 text: recentsView.viewModel.searchTextForRecents
                 onTextChanged: if (text !== recentsView.viewModel.searchTextForRecents) recentsView.viewModel.searchTextForRecents = text
             }
@@ -33,7 +34,7 @@ Item {
                 text: recentsView.viewModel.recentCallsModel.count + " entries"
                 color: recentsView.palette.placeholderText
             }
-            ToolButton {
+            ActionToolButton {
                 objectName: "refreshRecents"
                 Accessible.name: "Reload"
                 contentItem: SymbolIcon { name: "arrow.clockwise"; size: 18 }
@@ -47,8 +48,14 @@ Item {
             Layout.fillWidth: true
             Layout.fillHeight: true
             clip: true
+            // One stop of the Tab key: the arrows move through the calls, Enter or Space calls again, the Menu key
+            // opens the call's menu.
+            activeFocusOnTab: true
+            keyNavigationEnabled: true
+            Accessible.role: Accessible.List
+            Accessible.name: qsTr("History")
             model: recentsView.viewModel.recentCallsModel
-            ScrollBar.vertical: ScrollBar {}
+            ScrollBar.vertical: ActionScrollBar {}
             delegate: RecentCallItemCellView {
                 width: ListView.view.width
                 viewModel: recentsView.viewModel

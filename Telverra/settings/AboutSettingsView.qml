@@ -12,6 +12,8 @@ ColumnLayout {
         Layout.rightMargin: 10
         wrapMode: Text.Wrap
         textFormat: Text.MarkdownText
+        // Read out without its Markdown.
+        Accessible.name: text.replace(/\*\*/g, "").replace(/\s+/g, " ")
         text: "**Telverra** is free and open source software. This is why this app is now shared with the world for free.\n\n"
               + "Do you want to help me out improving this tool ? I believe that the Mac really deserves a better experiece to launch calls and handle your communicating with people."
     }

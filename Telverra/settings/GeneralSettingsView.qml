@@ -11,6 +11,13 @@ ScrollView {
     readonly property var preferences: viewModel.preferences
 
     contentWidth: availableWidth
+    ScrollBar.horizontal.policy: ScrollBar.AlwaysOff // nothing to scroll sideways
+    ScrollBar.vertical: ActionScrollBar {
+        parent: general
+        x: general.mirrored ? 0 : general.width - width
+        y: general.topPadding
+        height: general.availableHeight
+    }
 
     component Heading: Label {
         font.bold: true
@@ -54,6 +61,7 @@ ScrollView {
             Layout.fillWidth: true
             placeholderText: "a city, such as Santa Cruz de Tenerife"
             Accessible.name: "Place for the weather"
+            Accessible.description: placeholderText
             text: general.preferences.weatherPlace()
             onEditingFinished: {
                 if (text.trim() !== general.preferences.weatherPlace()) {
@@ -80,10 +88,9 @@ ScrollView {
 
         Heading { text: "Launch Options"; Layout.topMargin: 10 }
         LaunchAtLogin { id: launchAtLogin }
-        Switch {
+        ActionSwitch {
             objectName: "launchAtLogin"
             text: "Launch at login"
-            Accessible.name: text
             checked: launchAtLogin.isEnabled
             onToggled: {
                 launchAtLogin.isEnabled = checked

@@ -1,8 +1,8 @@
 import QtQuick
-import QtQuick.Controls
+import Telverra
 
 // A switch bound to one preference: it shows the stored value and writes it the moment it is flipped.
-Switch {
+ActionSwitch {
     id: toggle
 
     required property var preferences
@@ -10,6 +10,5 @@ Switch {
 
     objectName: key
     checked: preferences.boolValue(key)
-    Accessible.name: text
     onToggled: preferences.setBoolValue(key, checked)
 }

@@ -48,6 +48,7 @@ ColumnLayout {
     Label {
         text: "**Warning !!!**"
         textFormat: Text.MarkdownText
+        Accessible.name: text.replace(/\*\*/g, "")
         font.pixelSize: 22
         Layout.topMargin: 10
         Layout.bottomMargin: 5
@@ -59,7 +60,7 @@ ColumnLayout {
         text: "You will delete all stored information on the database. Proceed with caution."
     }
     Heading { text: "Recent Calls History:" }
-    Button {
+    ActionButton {
         objectName: "resetCallsHistory"
         text: "Reset call history"
         Accessible.name: text
@@ -67,14 +68,14 @@ ColumnLayout {
         onClicked: reset.ask("resetCallsHistory")
     }
     Heading { text: "Favorites:" }
-    Button {
+    ActionButton {
         objectName: "resetFavoriteTelcos"
         text: "Reset favorite telcos"
         Accessible.name: text
         Layout.bottomMargin: 10
         onClicked: reset.ask("resetFavoriteTelcos")
     }
-    Button {
+    ActionButton {
         objectName: "resetFavoriteContacts"
         text: "Reset favorite contacts"
         Accessible.name: text
@@ -82,7 +83,7 @@ ColumnLayout {
     }
     Item { Layout.fillHeight: true }
 
-    Dialog {
+    ActionDialog {
         id: alert
         objectName: "resetAlert"
         readonly property bool typed: reset.alertType.length > 0
@@ -101,13 +102,8 @@ ColumnLayout {
             wrapMode: Text.Wrap
         }
         footer: DialogButtonBox {
-            Button {
-                objectName: "dismissReset"
-                text: "Dismiss"
-                Accessible.name: text
-                DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
-            }
-            Button {
+            // Declared in the order they stand, which is the order Tab takes.
+            ActionButton {
                 objectName: "confirmReset"
                 visible: alert.typed
                 text: "Reset"
@@ -118,6 +114,12 @@ ColumnLayout {
                     reset.confirm()
                     alert.close()
                 }
+            }
+            ActionButton {
+                objectName: "dismissReset"
+                text: "Dismiss"
+                Accessible.name: text
+                DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
             }
         }
     }

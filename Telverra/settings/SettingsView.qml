@@ -34,7 +34,7 @@ ApplicationWindow {
                 { label: "Reset", symbol: "xmark.circle.fill" },
                 { label: "About", symbol: "info.circle.fill" }
             ]
-            delegate: TabButton {
+            delegate: ActionTabButton {
                 required property var modelData
                 objectName: "tab-" + modelData.label
                 text: modelData.label

@@ -69,19 +69,31 @@ Popup {
                 }
             }
         }
-        Label {
-            objectName: "attribution"
+        // The attribution, a link to the provider as a whole: a click or a screen reader's Press opens the site.
+        ActionControl {
+            id: attribution
+            objectName: "attributionLink"
+            readonly property string markdown: popover.vm ? popover.vm.attribution : ""
+            readonly property string link: (markdown.match(/\]\(([^)]*)\)/) || ["", ""])[1]
             Layout.fillWidth: true
             Layout.topMargin: 4
-            // The attribution's Markdown link, drawn as a styled link so that it takes the palette's link colour
-            // (a Markdown document keeps a fixed dark blue, unreadable on a dark popover).
-            text: popover.vm ? popover.vm.attribution.replace(/\[([^\]]*)\]\(([^)]*)\)/g, '<a href="$2">$1</a>') : ""
-            textFormat: Text.StyledText
-            linkColor: popover.palette.link
-            wrapMode: Text.Wrap
-            font.pixelSize: 11
-            color: popover.palette.placeholderText
-            onLinkActivated: link => Qt.openUrlExternally(link)
+            enabled: link.length > 0
+            focusPolicy: Qt.TabFocus
+            Accessible.role: Accessible.Link
+            Accessible.name: markdown.replace(/\[([^\]]*)\]\([^)]*\)/g, "$1")
+            onClicked: Qt.openUrlExternally(link)
+            // The Markdown link drawn as a styled link, so that it takes the palette's link colour (a Markdown
+            // document keeps a fixed dark blue, unreadable on a dark popover).
+            contentItem: Label {
+                objectName: "attribution"
+                text: attribution.markdown.replace(/\[([^\]]*)\]\(([^)]*)\)/g, '<a href="$2">$1</a>')
+                textFormat: Text.StyledText
+                linkColor: popover.palette.link
+                wrapMode: Text.Wrap
+                font.pixelSize: 11
+                color: popover.palette.placeholderText
+                Accessible.ignored: true // the link's name says it
+            }
         }
     }
 }

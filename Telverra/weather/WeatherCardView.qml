@@ -3,8 +3,8 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Telverra
 
-// The condition symbol and the temperature; click for the daily forecast, double click for the large card.
-Item {
+// The condition symbol and the temperature; click (or Space) for the daily forecast, double click for the large card.
+ActionControl {
     id: card
 
     required property var viewModel
@@ -13,13 +13,18 @@ Item {
     readonly property var weather: viewModel.weatherInfo
 
     objectName: "weatherCard"
-    implicitWidth: row.implicitWidth + 12
-    implicitHeight: row.implicitHeight + 4
-    Accessible.name: weather ? weather.temp + " degrees" : "No weather yet"
+    padding: 2
+    leftPadding: 6
+    rightPadding: 6
+    focusPolicy: Qt.TabFocus
+    Accessible.name: weather ? qsTr("Weather: %1").arg(temperature.text) : qsTr("No weather yet")
+    Accessible.description: qsTr("Shows the daily forecast")
 
-    RowLayout {
+    onClicked: showDailyWeatherPopOver = !showDailyWeatherPopOver
+    onDoubleClicked: isLarge = !isLarge
+
+    contentItem: RowLayout {
         id: row
-        anchors.centerIn: parent
         spacing: 6
         SymbolIcon {
             objectName: "weatherIcon"
@@ -28,17 +33,14 @@ Item {
             color: card.weather ? card.palette.windowText : card.palette.placeholderText
         }
         Label {
+            id: temperature
             objectName: "weatherTemp"
             text: (card.weather ? card.weather.temp : "–") + "º"
             font.bold: true
             font.pixelSize: card.isLarge ? 60 : 14
             color: card.weather ? card.palette.windowText : card.palette.placeholderText
+            Accessible.ignored: true // the card's name says it
         }
-    }
-
-    TapHandler {
-        onTapped: card.showDailyWeatherPopOver = !card.showDailyWeatherPopOver
-        onDoubleTapped: card.isLarge = !card.isLarge
     }
 
     DailyWeatherPopOverView {

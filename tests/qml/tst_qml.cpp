@@ -1,30 +1,16 @@
-// Qt Quick Tests of the screens, each over a real view model: a temporary home and store, an address-book folder,
-// the real clipboard, a recording opener, and a weather document served on 127.0.0.1.
+// Qt Quick Tests of the screens, each over the real view model of an AppEnvironment: a temporary home and store, an
+// address-book folder, the real clipboard, a recording opener, and a weather document served on 127.0.0.1.
 #include "app/HomeWindowViewModel.h"
-#include "app/SymbolIconProvider.h"
-#include "calls/BrowserTabSource.h"
-#include "calls/CallsManager.h"
-#include "calls/Clipboard.h"
 #include "common/Trace.h"
-#include "contacts/ContactPhotoProvider.h"
-#include "contacts/ContactStoreManager.h"
-#include "contacts/ContactsDataService.h"
-#include "contacts/VCardDirectoryStore.h"
 #include "favorites/FavoritesDataService.h"
-#include "settings/DeploymentSettings.h"
 #include "settings/LaunchAtLogin.h"
 #include "settings/Preferences.h"
-#include "store/CoreDataManager.h"
-#include "support/LoopbackHttpServer.h"
-#include "support/RecordingWorkspace.h"
-#include "support/ScriptedLocation.h"
+#include "support/AppEnvironment.h"
 #include "support/StoreProbe.h"
-#include "support/TestHome.h"
 
 #include <QClipboard>
 #include <QFile>
 #include <QGuiApplication>
-#include <QNetworkAccessManager>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QTest>
@@ -33,16 +19,6 @@
 #include <QtQuickTest>
 
 Q_IMPORT_QML_PLUGIN(TelverraPlugin)
-
-namespace {
-
-class NoTabs : public BrowserTabSource
-{
-public:
-    std::optional<ScriptValue> run(const QString &, bool) override { return ScriptValue::fromList({}); }
-};
-
-} // namespace
 
 /// What the QML tests read and arrange beyond the view model.
 class TestSupport : public QObject
@@ -141,68 +117,21 @@ public Q_SLOTS:
     // Called for every test file, each with an engine of its own; the environment is made once.
     void qmlEngineAvailable(QQmlEngine *engine)
     {
-        if (!m_viewModel) {
-            makeEnvironment();
+        if (!m_environment) {
+            m_environment = std::make_unique<AppEnvironment>();
+            QVERIFY(m_environment->isValid());
+            m_support.workspace = &m_environment->workspace();
+            m_support.viewModel = &m_environment->viewModel();
+            m_support.preferences = &m_environment->preferences();
+            m_support.storeFile = m_environment->storeFile();
         }
-        engine->addImportPath(u"qrc:/qt/qml"_qs);
-        engine->addImageProvider(u"symbols"_qs, new SymbolIconProvider);
-        const ContactsDataService *contacts = &m_viewModel->contactsDataService();
-        engine->addImageProvider(u"contactphoto"_qs, new ContactPhotoProvider([contacts](const QString &id) {
-                                     return contacts->record(id);
-                                 }));
-        engine->rootContext()->setContextProperty(u"viewModel"_qs, m_viewModel.get());
+        m_environment->prepareEngine(*engine);
+        engine->rootContext()->setContextProperty(u"viewModel"_qs, &m_environment->viewModel());
         engine->rootContext()->setContextProperty(u"testSupport"_qs, &m_support);
     }
 
 private:
-    void makeEnvironment()
-    {
-        m_home.writeFile(u".local/share/contacts/people/people.vcf"_qs,
-                         "BEGIN:VCARD\nUID:ana\nN:García;Ana;;;\nTEL;TYPE=CELL:+34 600 111 222\nEND:VCARD\n"
-                         "BEGIN:VCARD\nUID:bob\nN:Smith;Bob;;;\nTEL;TYPE=WORK:+1 555 0100\n"
-                         "TEL;TYPE=HOME:+1 555 0101\nEND:VCARD\n"
-                         "BEGIN:VCARD\nUID:dee\nN:-Dash;Dee;;;\nEMAIL:dee@example.org\nEND:VCARD\n"
-                         "BEGIN:VCARD\nUID:3m\nORG:3M\nEND:VCARD\n");
-        QVERIFY(m_server.listen());
-        QFile onecall(QStringLiteral(TELVERRA_TEST_DATA "/onecall.json"));
-        QVERIFY(onecall.open(QIODevice::ReadOnly));
-        m_server.setResponse(u"/data/2.5/onecall"_qs, 200, "application/json", onecall.readAll());
-        m_deployment = std::make_unique<DeploymentSettings>(m_home.writeFile(
-            u"Info.ini"_qs, (u"[General]\nWEATHER_API_KEY=k\nWEATHER_API_BASE_URL=" + m_server.baseUrl()).toUtf8()));
-        m_preferences = std::make_unique<Preferences>(Preferences::defaultFilePath());
-        m_preferences->setValue(PreferenceKey::useChromeAsDefaultBrowser, false);
-        m_preferences->setValue(PreferenceKey::fixedQuoteOnStartup, true);
-        m_calls = std::make_unique<CallsManager>(m_workspace, *m_preferences, m_clipboard);
-        m_calls->setBrowserTabSource(&m_tabs);
-        m_store = std::make_unique<CoreDataManager>(m_home.dataHome() + u"/telverra/Telverra.sqlite");
-        m_addressBook = std::make_unique<VCardDirectoryStore>();
-        m_contacts = std::make_unique<ContactStoreManager>(*m_addressBook);
-        m_location.status = LocationManager::authorizedWhenInUse;
-        m_location.position = QGeoCoordinate(28.4636, -16.2518);
-        m_viewModel = std::make_unique<HomeWindowViewModel>(
-            HomeWindowViewModel::Environment{m_preferences.get(), m_calls.get(), m_store.get(), m_contacts.get(),
-                                             &m_clipboard, &m_network, m_deployment.get(), &m_location, &m_geocoder});
-        m_support.workspace = &m_workspace;
-        m_support.viewModel = m_viewModel.get();
-        m_support.preferences = m_preferences.get();
-        m_support.storeFile = m_home.dataHome() + u"/telverra/Telverra.sqlite";
-    }
-
-    TestHome m_home;
-    LoopbackHttpServer m_server;
-    QNetworkAccessManager m_network;
-    std::unique_ptr<DeploymentSettings> m_deployment;
-    std::unique_ptr<Preferences> m_preferences;
-    RecordingWorkspace m_workspace;
-    SystemClipboard m_clipboard;
-    NoTabs m_tabs;
-    std::unique_ptr<CallsManager> m_calls;
-    std::unique_ptr<CoreDataManager> m_store;
-    std::unique_ptr<VCardDirectoryStore> m_addressBook;
-    std::unique_ptr<ContactStoreManager> m_contacts;
-    ScriptedServices m_location;
-    ScriptedGeocoder m_geocoder;
-    std::unique_ptr<HomeWindowViewModel> m_viewModel;
+    std::unique_ptr<AppEnvironment> m_environment;
     TestSupport m_support;
 };
 
