@@ -25,7 +25,14 @@ ApplicationWindow {
 
         RowLayout {
             spacing: 12
-            SymbolIcon { name: "exclamationmark.triangle.fill"; size: 32; color: "#e08a00" }
+            // At the top of its row: the title wraps while the window is first laid out, and the icon, centred in
+            // that taller row, would stay down among the texts below.
+            SymbolIcon {
+                Layout.alignment: Qt.AlignLeft | Qt.AlignTop
+                name: "exclamationmark.triangle.fill"
+                size: 32
+                color: "#e08a00"
+            }
             Label {
                 Layout.fillWidth: true
                 text: "Telverra cannot open its history"
