@@ -51,27 +51,28 @@ Item {
             }
         }
 
-        function test_sectionsWithBothNumberRules() {
-            // 3M has no name to file but a digit: "#"; -Dash has a section of its own and is listed under "#" too.
-            compare(onScreen(), ["[#]", "3M", "Dee -Dash", "[-]", "Dee -Dash", "[G]", "Ana García", "[S]", "Bob Smith"])
-            compare(find("contactsCount").text, "4 contacts")
-            const index = find("alphabetIndex")
-            verify(index.visible)
-            mouseClick(find("alphabetToggle"))
-            verify(!index.visible)
+        // 3M has no name to file but a digit: "#"; -Dash has a section of its own and is listed under "#" too.
+        function test_sectionsAndSearch_data() {
+            return [
+                { tag: "all", search: "", count: 4, shown: ["[#]", "3M", "Dee -Dash", "[-]", "Dee -Dash", "[G]", "Ana García", "[S]", "Bob Smith"] },
+                { tag: "a match", search: "smi", count: 1, shown: ["[S]", "Bob Smith"] },
+                { tag: "no match", search: "zzz", count: 0, shown: [] }
+            ]
         }
-
-        function test_searchNarrowsTheListAndTheCount() {
+        function test_sectionsAndSearch(data) {
             const search = find("contactsSearch")
-            search.text = "smi"
-            tryCompare(find("contactsCount"), "text", "1 contacts", 3000)
-            compare(onScreen(), ["[S]", "Bob Smith"])
-            search.text = "zzz"
-            tryCompare(find("contactsCount"), "text", "0 contacts", 3000)
-            verify(find("contactsEmptyState").visible)
-            compare(find("emptyTitle").text, "No contacts match")
+            search.text = data.search
+            tryCompare(find("contactsCount"), "text", data.count + " contacts", 3000)
+            compare(onScreen(), data.shown)
+            compare(find("contactsEmptyState").visible, data.count === 0)
+            if (data.count === 0)
+                compare(find("emptyTitle").text, "No contacts match")
             search.text = ""
             tryCompare(find("contactsCount"), "text", "4 contacts")
+            // The alphabet index hides on request.
+            verify(find("alphabetIndex").visible)
+            mouseClick(find("alphabetToggle"))
+            verify(!find("alphabetIndex").visible)
         }
 
         function test_quickActionCallsTheOneNumberAndRecordsTheContact() {
