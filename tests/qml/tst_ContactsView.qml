@@ -144,12 +144,9 @@ Item {
             compare(search.text, "")
             keyClick(Qt.Key_Down)
             verify(list().activeFocus)
-            // Down to García (past 3M and the two rows of -Dash), then Enter calls her.
+            // Down to García, past 3M and the two rows of -Dash (what Enter does on a row is checked with every list).
             for (let i = 0; i < 3; ++i) keyClick(Qt.Key_Down)
             compare(list().currentItem.name, "Ana García")
-            keyClick(Qt.Key_Return)
-            tryVerify(() => testSupport.launches().length === 1, 3000)
-            compare(testSupport.launches(), ["tel:+34600111222"])
         }
 
         function test_permissionAlert() {

@@ -26,15 +26,15 @@ Item {
             tryVerify(() => find("telco-" + i) !== null)
             return find("telco-" + i)
         }
-        // Adds a link through the editor, the way a user does: +, the two fields, Return.
-        function addThroughEditor(name, url) {
+        // Adds a link through the editor, the way a user does: +, the two fields, Return (or Escape to cancel).
+        function addThroughEditor(name, url, key) {
             mouseClick(find("addTelco"))
             const editor = find("telcoEditor")
             tryCompare(editor, "opened", true)
             findChild(editor.contentItem, "telcoName").text = name
             findChild(editor.contentItem, "telcoURL").text = url
             findChild(editor.contentItem, "telcoURL").forceActiveFocus()
-            keyClick(Qt.Key_Return)
+            keyClick(key || Qt.Key_Return)
             tryCompare(editor, "visible", false)
         }
 
@@ -42,21 +42,24 @@ Item {
             return [
                 { tag: "a Zoom link", name: "Standup", url: "https://zoom.us/j/5551234567", stored: "Standup|zoom|https://zoom.us/j/5551234567", kind: "Zoom" },
                 { tag: "an address of no kind", name: "Wiki", url: "https://wiki.example.org", stored: "Wiki|not recognized|https://wiki.example.org", kind: "" },
-                { tag: "both fields empty", name: "", url: "", stored: "|not recognized|", kind: "" }
+                { tag: "both fields empty", name: "", url: "", stored: "|not recognized|", kind: "" },
+                { tag: "cancelled", name: "Later", url: "https://zoom.us/j/2", key: Qt.Key_Escape }
             ]
         }
         function test_createStoresTheRecognisedKind(data) {
             const before = testSupport.storedTelcos().length
-            addThroughEditor(data.name, data.url)
+            addThroughEditor(data.name, data.url, data.key)
             const stored = testSupport.storedTelcos()
-            compare(stored.length, before + 1)
+            compare(stored.length, before + (data.stored ? 1 : 0))
+            if (!data.stored)
+                return
             compare(stored[stored.length - 1], data.stored)
             // The sheet's closing read the list again: the header counts the new row.
             tryCompare(findChild(find("telcosHeader"), "count"), "text", "total of " + (before + 1))
             compare(telcoRow(before).kind, data.kind)
         }
 
-        function test_editKeepsTheKindAndCancelSavesNothing() {
+        function test_editKeepsTheKind() {
             addThroughEditor("Review", "https://meet.google.com/abc-defg-hij")
             const row = telcoRow(testSupport.storedTelcos().length - 1)
             mouseClick(row, 40, 20, Qt.RightButton)
@@ -74,13 +77,6 @@ Item {
             tryCompare(editor, "visible", false)
             const stored = testSupport.storedTelcos()
             compare(stored[stored.length - 1], "Review|meet|https://zoom.us/j/1") // the kind stays "meet"
-
-            mouseClick(find("addTelco"))
-            tryCompare(editor, "opened", true)
-            findChild(editor.contentItem, "telcoURL").text = "https://zoom.us/j/2"
-            keyClick(Qt.Key_Escape)
-            tryCompare(editor, "visible", false)
-            compare(testSupport.storedTelcos(), stored)
         }
 
         function test_doubleClickOpensTheLinkAndRecordsIt() {
