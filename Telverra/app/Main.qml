@@ -77,7 +77,14 @@ ApplicationWindow {
         function onIsWelcomeShownChanged() { if (window.viewModel.isWelcomeShown) window.showSection("welcome") }
         function onIsDialerShownChanged() { if (window.viewModel.isDialerShown) window.showSection("dialer") }
         function onIsRecentsShownChanged() { if (window.viewModel.isRecentsShown) window.showSection("recents") }
-        function onIsFavoritesShownChanged() { if (window.viewModel.isFavoritesShown) window.showSection("favorites") }
+        // The favourites are read again each time they are shown: the contacts and the history add to them.
+        function onIsFavoritesShownChanged() {
+            if (!window.viewModel.isFavoritesShown)
+                return
+            window.viewModel.favoritesDataService.fetchFavoriteContacts()
+            window.viewModel.favoritesDataService.fetchFavoriteTelcos()
+            window.showSection("favorites")
+        }
         function onIsContactsShownChanged() { if (window.viewModel.isContactsShown) window.showSection("contacts") }
         function onCallManagerErrorPublished(text) {
             errorAlert.active = true

@@ -50,6 +50,15 @@ TestCase {
         verify(!viewModel.isContactsShown)
     }
 
+    function test_favouritesAddedElsewhereAreListedWhenShown() {
+        const favorites = viewModel.favoriteContactsModel
+        const before = favorites.contactCount
+        verify(testSupport.favoriteContactCount("dee") === 0)
+        viewModel.addContactToFavoritesById("dee") // as the contacts' menu does
+        testSupport.sendKey(window, Qt.Key_3, Qt.ControlModifier)
+        tryCompare(favorites, "contactCount", before + 1)
+    }
+
     function test_ctrlBackspaceClearsTheDisplayAndItsWarning() {
         testSupport.sendKey(window, Qt.Key_1, Qt.ControlModifier)
         viewModel.validateDialerDisplay("12ab")
