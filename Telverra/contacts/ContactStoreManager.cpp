@@ -1,7 +1,10 @@
 #include "ContactStoreManager.h"
 
+#include "CombinedContactStore.h"
+#include "EdsContactStore.h"
 #include "VCardDirectoryStore.h"
 #include "common/Trace.h"
+#include "settings/Preferences.h"
 
 #include <mutex>
 
@@ -37,10 +40,22 @@ ContactStoreManager &ContactStoreManager::shared()
     static std::once_flag once;
     static ContactStoreManager *instance = nullptr;
     std::call_once(once, [] {
-        ContactStore *store = sharedStore() ? sharedStore() : new VCardDirectoryStore;
+        ContactStore *store = sharedStore() ? sharedStore() : desktopStore();
         instance = new ContactStoreManager(*store); // both live as long as the process
     });
     return *instance;
+}
+
+ContactStore *ContactStoreManager::desktopStore()
+{
+    // Every store made here lives as long as the process.
+    auto *folders = new VCardDirectoryStore;
+#ifdef TELVERRA_EDS_MODULE
+    if (Preferences(Preferences::defaultFilePath()).useEvolutionDataServer()) {
+        return new CombinedContactStore({folders, new EdsContactStore});
+    }
+#endif
+    return folders;
 }
 
 void ContactStoreManager::setSharedContactStore(ContactStore *store)

@@ -20,10 +20,13 @@ public:
 
     explicit ContactStoreManager(ContactStore &store, QObject *parent = nullptr);
 
-    /// The process's manager, made on first use over the desktop's vCard folders, or over the store given to
-    /// setSharedContactStore() before that first use.
+    /// The process's manager, made on first use over the desktop's address book (desktopStore()), or over the store
+    /// given to setSharedContactStore() before that first use.
     static ContactStoreManager &shared();
     static void setSharedContactStore(ContactStore *store);
+    /// The desktop's address book: the vCard folders, and Evolution Data Server's books beside them when the program
+    /// was built with them and the preference "useEvolutionDataServer" is not off.
+    static ContactStore *desktopStore();
 
     /// The keys a full fetch asks for, and those of a fetch by identifier (the same fourteen in another order).
     static const QStringList defaultKeys;

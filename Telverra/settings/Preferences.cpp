@@ -75,3 +75,9 @@ void Preferences::setWeatherPlace(const QString &place)
     m_settings->sync();
     Q_EMIT valueChanged(QStringLiteral("weatherPlace"));
 }
+
+bool Preferences::useEvolutionDataServer() const
+{
+    m_settings->sync();
+    return m_settings->value(QStringLiteral("useEvolutionDataServer"), true).toBool();
+}

@@ -70,6 +70,10 @@ public:
     Q_INVOKABLE QString weatherPlace() const;
     Q_INVOKABLE void setWeatherPlace(const QString &place);
 
+    /// Whether the address book takes in Evolution Data Server's books (key "useEvolutionDataServer", default true),
+    /// read when the address book is opened.
+    bool useEvolutionDataServer() const;
+
 Q_SIGNALS:
     void valueChanged(const QString &name);
 
