@@ -1,7 +1,5 @@
 #include "EdsContactStore.h"
 
-#include "common/ThreadPriority.h"
-
 #include <QCoreApplication>
 #include <QFile>
 #include <QLibrary>
@@ -59,6 +57,8 @@ void EdsContactStore::start()
         return;
     }
     m_firstReadDeadline = QDeadlineTimer(firstReadWait);
+    m_silenceDeadline = QDeadlineTimer(silenceWait);
+    // Started from the first reader's thread, whose priority it takes, and the threads GLib starts from it too.
     m_thread = std::thread(&EdsContactStore::runSession, this);
 }
 
@@ -111,8 +111,6 @@ std::optional<VCardContact> EdsContactStore::record(const QString &book, const E
 
 void EdsContactStore::runSession()
 {
-    // Reading EDS is never urgent: the window's threads come first (the threads GLib starts from here inherit this).
-    ThreadPriority::raiseNiceness(ThreadPriority::background);
     if (m_module.isEmpty()) {
         unavailable(QStringLiteral("the EDS module was not found"));
         return;
@@ -168,10 +166,9 @@ ContactStore::ContainersResult EdsContactStore::containers()
 {
     QMutexLocker lock(&m_mutex);
     start();
-    while (!m_settled && !m_stopping) {
-        if (!m_settledCondition.wait(&m_mutex, m_firstReadDeadline)) {
-            break; // EDS is slow today: its books are announced once they have been read
-        }
+    // Should EDS fall silent, its books are announced once they have been read.
+    while (!m_settled && !m_stopping && !m_silenceDeadline.hasExpired() && !m_firstReadDeadline.hasExpired()) {
+        m_settledCondition.wait(&m_mutex, std::min(m_silenceDeadline, m_firstReadDeadline));
     }
     m_servedVersion = m_version;
     ContainersResult result;
@@ -240,6 +237,14 @@ void EdsContactStore::changed()
     }
 }
 
+void EdsContactStore::progressed()
+{
+    if (!m_settled) {
+        m_silenceDeadline = QDeadlineTimer(silenceWait);
+        m_settledCondition.wakeAll(); // to wait for the new deadline
+    }
+}
+
 void EdsContactStore::settleWhenRead()
 {
     if (m_settled || !m_listed ||
@@ -266,6 +271,7 @@ void EdsContactStore::unavailable(const QString &reason)
 void EdsContactStore::booksListed(const QList<EdsSession::Events::Book> &books)
 {
     QMutexLocker lock(&m_mutex);
+    progressed();
     bool shownChanged = false;
     for (const Book &book : m_books) {
         const bool kept =
@@ -299,6 +305,7 @@ void EdsContactStore::bookFailed(const QString &uid, const QString &reason)
 {
     qCWarning(edsLog) << "The address book" << uid << "cannot be read:" << reason;
     QMutexLocker lock(&m_mutex);
+    progressed();
     Book *book = findBook(uid);
     if (!book) {
         return;
@@ -317,6 +324,7 @@ void EdsContactStore::bookFailed(const QString &uid, const QString &reason)
 void EdsContactStore::viewStarted(const QString &uid)
 {
     QMutexLocker lock(&m_mutex);
+    progressed();
     if (Book *book = findBook(uid)) {
         book->incoming.clear();
         book->reading = true;
@@ -333,6 +341,7 @@ void EdsContactStore::contactsChanged(const QString &uid, const QList<Card> &car
         records.emplace_back(card.uid, contact ? std::make_shared<const VCardContact>(std::move(*contact)) : nullptr);
     }
     QMutexLocker lock(&m_mutex);
+    progressed();
     Book *book = findBook(uid);
     if (!book) {
         return;
@@ -353,6 +362,7 @@ void EdsContactStore::contactsChanged(const QString &uid, const QList<Card> &car
 void EdsContactStore::contactsRemoved(const QString &uid, const QStringList &uids)
 {
     QMutexLocker lock(&m_mutex);
+    progressed();
     Book *book = findBook(uid);
     if (!book) {
         return;
@@ -369,6 +379,7 @@ void EdsContactStore::contactsRemoved(const QString &uid, const QStringList &uid
 void EdsContactStore::viewComplete(const QString &uid)
 {
     QMutexLocker lock(&m_mutex);
+    progressed();
     Book *book = findBook(uid);
     if (!book || !book->reading) {
         return; // a later batch of changes, already announced

@@ -19,9 +19,11 @@
 ///
 /// EDS is reached through the module telverra-eds on a thread of its own (EdsSession), started when the address book is
 /// first read: a window reads it once it has shown itself, so nothing of EDS (the module's forty-odd libraries take the
-/// loader's lock while they load) comes before its first frame. That first read waits until EDS's books have been
-/// read once, at most firstReadWait, so that a window, a listing or a search starts with the whole address book; with
-/// no EDS on the bus it does not wait at all. Later changes are announced with didChange().
+/// loader's lock while they load) comes before its first frame. The session works at the priority of that first
+/// reader: in the background for a window, at once for a listing. The first read waits until EDS's books have been read
+/// once, as long as EDS keeps making progress (at most silenceWait without news, and firstReadWait in all), so that a
+/// window, a listing or a search starts with the whole address book; with no EDS on the bus it does not wait at all.
+/// Later changes are announced with didChange().
 ///
 /// A contact's identifier is "eds:", its book's identifier, "/" and its identifier in the book: EDS's identifiers
 /// stay the same across restarts (a favourite keeps its person), and the prefix keeps them apart from vCard UIDs, with
@@ -33,8 +35,9 @@ class EdsContactStore : public ContactStore, private EdsSession::Events
 {
     Q_OBJECT
 public:
-    /// The longest the first read waits for EDS.
-    static constexpr int firstReadWait = 3000;
+    /// The longest the first read waits for news from EDS, and for EDS's books in all.
+    static constexpr int silenceWait = 3000;
+    static constexpr int firstReadWait = 30000;
     /// The longest the bus may take to start EDS's services.
     static constexpr int startTimeout = 10000;
     /// How long changes reported together are collected before didChange().
@@ -94,6 +97,7 @@ private:
     void start();
     Book *findBook(const QString &uid);
     void changed();
+    void progressed();
     void settleWhenRead();
     void announceChange();
 
@@ -101,6 +105,7 @@ private:
     QWaitCondition m_settledCondition;
     const QString m_module;
     QDeadlineTimer m_firstReadDeadline;
+    QDeadlineTimer m_silenceDeadline;
     std::vector<Book> m_books; // in the order shown: the personal book, then by name
     bool m_listed = false;
     bool m_settled = false;

@@ -34,6 +34,17 @@ const QString servicesFile = u"/usr/share/dbus-1/services/org.gnome.evolution.da
 const QByteArray png = QByteArray::fromBase64(
     "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mNk+M9QDwADhgGAWjR9awAAAABJRU5ErkJggg==");
 
+QByteArray card(const QByteArray &given, const QByteArray &family, const QByteArray &more = {})
+{
+    return "BEGIN:VCARD\r\nVERSION:3.0\r\nN:" + family + ';' + given + ";;;\r\nFN:" + given + ' ' + family + "\r\n" +
+           more + "END:VCARD\r\n";
+}
+
+QString personal(const QString &uid)
+{
+    return EdsContactStore::identifier(u"system-address-book"_s, uid);
+}
+
 QString message(GError *error)
 {
     const QString text = error ? QString::fromUtf8(error->message) : QString();
@@ -62,10 +73,6 @@ private:
     EBookClient *book(const QString &uid);
     QString addContact(const QString &bookUid, const QByteArray &vcard);
     QString createBook(const QString &name);
-    QString edsId(const QString &bookUid, const QString &contactUid) const
-    {
-        return EdsContactStore::identifier(bookUid, contactUid);
-    }
     /// A dbus-daemon with the given configuration option, and its address.
     static std::unique_ptr<QProcess> startBus(const QString &config, QString &address);
     bool m_servicesInstalled = false;
@@ -76,8 +83,7 @@ private:
     ESourceRegistry *m_registry = nullptr;
     QMap<QString, EBookClient *> m_clients;
     QString m_workBook;
-    QString m_ana, m_luis, m_marta;
-    QString m_eva;
+    QString m_ana, m_luis, m_eva;
     std::unique_ptr<EdsContactStore> m_eds;
     std::unique_ptr<VCardDirectoryStore> m_folders;
     std::unique_ptr<CombinedContactStore> m_both;
@@ -119,14 +125,12 @@ void tst_EdsContactStore::initTestCase()
     m_workBook = createBook(u"Work"_s);
     QVERIFY(!m_workBook.isEmpty());
     // vCard 4's quoted type list and an embedded picture, which the personal book keeps as a file of its own.
-    m_ana = addContact(u"system-address-book"_s, "BEGIN:VCARD\r\nVERSION:3.0\r\nN:García;Ana;;;\r\nFN:Ana García\r\n"
-                                                 "TEL;TYPE=\"home,fax\":+34 910 000 000\r\nPHOTO;ENCODING=b;TYPE=PNG:" +
-                                                     png.toBase64() + "\r\nEND:VCARD\r\n");
-    m_luis = addContact(u"system-address-book"_s, "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Ruiz;Luis;;;\r\nFN:Luis Ruiz\r\n"
-                                                  "TEL;TYPE=CELL:+34 600 222 333\r\nEND:VCARD\r\n");
-    m_marta = addContact(m_workBook, "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Soler;Marta;;;\r\nFN:Marta Soler\r\n"
-                                     "EMAIL;TYPE=WORK:marta@example.org\r\nEND:VCARD\r\n");
-    QVERIFY(!m_ana.isEmpty() && !m_luis.isEmpty() && !m_marta.isEmpty());
+    m_ana = addContact(
+        u"system-address-book"_s,
+        card("Ana", "García",
+             "TEL;TYPE=\"home,fax\":+34 910 000 000\r\nPHOTO;ENCODING=b;TYPE=PNG:" + png.toBase64() + "\r\n"));
+    m_luis = addContact(u"system-address-book"_s, card("Luis", "Ruiz", "TEL;TYPE=CELL:+34 600 222 333\r\n"));
+    QVERIFY(!m_ana.isEmpty() && !m_luis.isEmpty() && !addContact(m_workBook, card("Marta", "Soler")).isEmpty());
 }
 
 void tst_EdsContactStore::cleanupTestCase()
@@ -241,26 +245,26 @@ void tst_EdsContactStore::records_data()
     QTest::addColumn<QString>("label"); // of the first number
     QTest::addColumn<QByteArray>("photo");
 
-    const QByteArray card = "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:pas-id-1\r\nN:García;Ana;;;\r\n";
+    const QByteArray ana = "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:pas-id-1\r\nN:García;Ana;;;\r\n";
     const QString picture = m_home->writeFile(u"photo.png"_s, png);
     const QString fifo = m_home->path() + u"/fifo.png";
     QVERIFY(::mkfifo(QFile::encodeName(fifo).constData(), 0600) == 0);
     const QByteArray pictureUri = QUrl::fromLocalFile(picture).toEncoded();
 
-    QTest::newRow("vCard 4 type list in quotes") << card + "TEL;TYPE=\"home,fax\":+34 910\r\nEND:VCARD\r\n"
+    QTest::newRow("vCard 4 type list in quotes") << ana + "TEL;TYPE=\"home,fax\":+34 910\r\nEND:VCARD\r\n"
                                                  << QByteArray() << u"home fax"_s << QByteArray();
-    QTest::newRow("picture kept as a local file") << card + "TEL;TYPE=CELL:+34 600\r\nEND:VCARD\r\n"
+    QTest::newRow("picture kept as a local file") << ana + "TEL;TYPE=CELL:+34 600\r\nEND:VCARD\r\n"
                                                   << pictureUri << u"mobile"_s << png;
     QTest::newRow("picture elsewhere not fetched")
-        << card + "TEL:+34 600\r\nEND:VCARD\r\n"
+        << ana + "TEL:+34 600\r\nEND:VCARD\r\n"
         << QByteArray("http://127.0.0.1:9/photo.png") << u""_s << QByteArray();
     QTest::newRow("picture on another host not read")
-        << card + "TEL:+34 600\r\nEND:VCARD\r\n"
+        << ana + "TEL:+34 600\r\nEND:VCARD\r\n"
         << QByteArray("file://elsewhere") + picture.toUtf8() << u""_s << QByteArray();
-    QTest::newRow("a FIFO is never waited on") << card + "TEL:+34 600\r\nEND:VCARD\r\n"
+    QTest::newRow("a FIFO is never waited on") << ana + "TEL:+34 600\r\nEND:VCARD\r\n"
                                                << QUrl::fromLocalFile(fifo).toEncoded() << u""_s << QByteArray();
     QTest::newRow("the card's own picture wins")
-        << card + "TEL:+34 600\r\nPHOTO;ENCODING=b;TYPE=PNG:" + png.toBase64() + "\r\nEND:VCARD\r\n"
+        << ana + "TEL:+34 600\r\nPHOTO;ENCODING=b;TYPE=PNG:" + png.toBase64() + "\r\nEND:VCARD\r\n"
         << QByteArray("file:///nonexistent.png") << u""_s << png;
     QTest::newRow("not a card") << QByteArray("garbage") << QByteArray() << QString() << QByteArray();
 }
@@ -336,8 +340,7 @@ void tst_EdsContactStore::booksReadAndFollowed()
         QCOMPARE(::kill(pid_t(factory), SIGTERM), 0);
         QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(u"/proc/"_s + QString::number(factory)), 20000);
         g_object_unref(m_clients.take(u"system-address-book"_s)); // its connection ended with the service
-        m_eva = addContact(u"system-address-book"_s,
-                           "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Vidal;Eva;;;\r\nFN:Eva Vidal\r\nEND:VCARD\r\n");
+        m_eva = addContact(u"system-address-book"_s, card("Eva", "Vidal"));
         QVERIFY(!m_eva.isEmpty());
     } else if (change == u"disable Work") {
         ESource *work = e_source_registry_ref_source(m_registry, m_workBook.toUtf8().constData());
@@ -371,13 +374,13 @@ void tst_EdsContactStore::booksReadAndFollowed()
     QCOMPARE(containers[2].identifier, u"eds:"_s + m_workBook);
     QCOMPARE(containers[2].name, u"Work"_s);
     // EDS moved Ana's picture into a file of its own, and kept her fax's type list quoted.
-    const std::optional<Contact> ana = m_service->contact(edsId(u"system-address-book"_s, m_ana));
+    const std::optional<Contact> ana = m_service->contact(personal(m_ana));
     QVERIFY(ana);
     QCOMPARE(ana->contact().thumbnailImageData, png);
     QCOMPARE(ContactLabels::phoneNumbersByLabel(ana->contact()).keys(), QStringList{u"home fax"_s});
     const std::optional<Contact> luis = m_service->findContact(u"+34 600 222 333"_s).contact;
     QVERIFY(luis);
-    QCOMPARE(luis->id(), edsId(u"system-address-book"_s, m_luis));
+    QCOMPARE(luis->id(), personal(m_luis));
     QCOMPARE(m_manager->fetchContact(luis->id())->contact().familyName, u"Ruiz"_s);
 }
 
@@ -390,7 +393,7 @@ void tst_EdsContactStore::commandLine_data()
     QTest::addColumn<QStringList>("expected");
 
     const QString folder = m_home->path() + u"/.local/share/contacts/family";
-    QStringList all{edsId(u"system-address-book"_s, m_luis), edsId(u"system-address-book"_s, m_eva), u"pedro"_s};
+    QStringList all{personal(m_luis), personal(m_eva), u"pedro"_s};
     all.sort();
     QTest::newRow("EDS on the bus") << u"eds"_s << QStringList() << all;
     QTest::newRow("a bus without EDS") << u"bare"_s << QStringList() << QStringList{u"pedro"_s};

@@ -32,3 +32,11 @@ for package in $("$source/scripts/qml-depends" "$source/Telverra") qt6-wayland; 
     grep -Eq "(^|, )$package( |,|$)" <<<"$depends" || { echo "the package does not depend on $package" >&2; exit 1; }
 done
 echo "every QML import's package and the Wayland platform are in Depends"
+# Evolution Data Server's services are recommended; only the library its module links is depended on.
+if compgen -G "$usr/lib/telverra/telverra-eds.so" >/dev/null || compgen -G "$usr/lib/*/telverra/telverra-eds.so" >/dev/null; then
+    recommends=$(dpkg-deb -f "$stage"/package/telverra_*.deb Recommends)
+    grep -Eq "(^|, )evolution-data-server( |,|$)" <<<"$recommends" || { echo "evolution-data-server is not recommended" >&2; exit 1; }
+    grep -Eq "(^|, )libebook-1\.2-21( |,|$)" <<<"$depends" || { echo "the package does not depend on libebook" >&2; exit 1; }
+    ! grep -Eq "(^|, )evolution-data-server( |,|$)" <<<"$depends" || { echo "evolution-data-server is a dependency" >&2; exit 1; }
+    echo "Recommends: $recommends"
+fi
