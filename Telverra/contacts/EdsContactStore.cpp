@@ -252,6 +252,7 @@ void EdsContactStore::settleWhenRead()
         return;
     }
     m_settled = true;
+    qCDebug(edsLog) << "read:" << m_books.size() << "books";
     m_settledCondition.wakeAll();
     // A read that gave up waiting needs to hear of what it missed.
     changed();
@@ -295,6 +296,7 @@ void EdsContactStore::booksListed(const QList<EdsSession::Events::Book> &books)
     });
     m_books = std::move(listed);
     m_listed = true;
+    qCDebug(edsLog) << "books:" << books.size();
     if (shownChanged) {
         changed();
     }
@@ -310,14 +312,10 @@ void EdsContactStore::bookFailed(const QString &uid, const QString &reason)
     if (!book) {
         return;
     }
-    const bool hadContacts = !book->contacts.empty();
-    book->contacts.clear();
+    // What the book showed stays (its service may come back); a book never read counts as read, and empty.
     book->incoming.clear();
     book->reading = false;
     book->read = true;
-    if (hadContacts) {
-        changed();
-    }
     settleWhenRead();
 }
 
@@ -386,6 +384,7 @@ void EdsContactStore::viewComplete(const QString &uid)
     }
     book->contacts.swap(book->incoming);
     book->incoming.clear();
+    qCDebug(edsLog) << "book" << uid << "read:" << book->contacts.size() << "contacts";
     book->reading = false;
     book->read = true;
     changed();

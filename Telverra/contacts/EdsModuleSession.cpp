@@ -6,11 +6,19 @@
 
 #include <libebook/libebook.h>
 
-#include <QtGlobal>
+#include <QThread>
+#include <QThreadPool>
 
 #include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <future>
 #include <map>
+#include <mutex>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -26,6 +34,62 @@ bool isCancelled(const GError *error)
     return error && g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED);
 }
 
+// The session's events, delivered one after the other in the order they happened, from a thread of their own.
+class Outbox
+{
+public:
+    Outbox()
+        : m_thread([this] { deliver(); })
+    {}
+    ~Outbox() { close(true); }
+
+    void post(std::function<void()> event)
+    {
+        {
+            std::lock_guard lock(m_mutex);
+            m_events.push_back(std::move(event));
+        }
+        m_posted.notify_one();
+    }
+    /// Ends the delivery, once what was posted is delivered, or dropping it.
+    void close(bool drop)
+    {
+        {
+            std::lock_guard lock(m_mutex);
+            m_closed = true;
+            m_drop = m_drop || drop;
+        }
+        m_posted.notify_one();
+        if (m_thread.joinable()) {
+            m_thread.join();
+        }
+    }
+
+private:
+    void deliver()
+    {
+        std::unique_lock lock(m_mutex);
+        while (true) {
+            m_posted.wait(lock, [this] { return !m_events.empty() || m_closed; });
+            if (m_events.empty() || m_drop) {
+                return;
+            }
+            std::function<void()> event = std::move(m_events.front());
+            m_events.pop_front();
+            lock.unlock();
+            event();
+            lock.lock();
+        }
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_posted;
+    std::deque<std::function<void()>> m_events;
+    bool m_closed = false;
+    bool m_drop = false;
+    std::thread m_thread;
+};
+
 class EdsModuleSession final : public EdsSession
 {
 public:
@@ -35,7 +99,9 @@ public:
         , m_context(g_main_context_new())
         , m_loop(g_main_loop_new(m_context, FALSE))
         , m_cancellable(g_cancellable_new())
-    {}
+    {
+        m_converters.setMaxThreadCount(QThread::idealThreadCount());
+    }
 
     ~EdsModuleSession() override
     {
@@ -48,7 +114,7 @@ public:
     {
         g_main_context_push_thread_default(m_context);
         if (!sessionBusExists()) {
-            m_events->unavailable(QStringLiteral("no session bus"));
+            giveUp(QStringLiteral("no session bus"));
         } else if (!m_stopping.load()) {
             ++m_pending;
             g_bus_get(G_BUS_TYPE_SESSION, m_cancellable, &EdsModuleSession::busReady, this);
@@ -92,7 +158,7 @@ private:
     // Nothing follows once EDS is known to be out of reach.
     void giveUp(const QString &reason)
     {
-        m_events->unavailable(reason);
+        m_outbox.post([this, reason] { m_events->unavailable(reason); });
         g_main_loop_quit(m_loop);
     }
 
@@ -234,7 +300,7 @@ private:
         }
         if (listed != m_listed) {
             m_listed = listed;
-            m_events->booksListed(listed);
+            m_outbox.post([this, listed] { m_events->booksListed(listed); });
         }
         for (const auto &[uid, source] : wanted) {
             if (m_books.count(uid) == 0) {
@@ -286,7 +352,7 @@ private:
         Book *book = self->bookOf(*step);
         if (!book || !client) {
             if (book && !isCancelled(error)) {
-                self->m_events->bookFailed(fromUtf8(step->book.c_str()), fromUtf8(error->message));
+                self->failed(fromUtf8(step->book.c_str()), error);
             }
             g_clear_error(&error);
             g_clear_object(&client);
@@ -316,7 +382,7 @@ private:
         delete step;
         if (!book || !made) {
             if (book && !isCancelled(error)) {
-                self->m_events->bookFailed(uid, fromUtf8(error->message));
+                self->failed(uid, error);
             }
             g_clear_error(&error);
             g_clear_object(&view);
@@ -327,10 +393,10 @@ private:
         g_signal_connect(view, "objects-modified", G_CALLBACK(&EdsModuleSession::contactsChanged), self);
         g_signal_connect(view, "objects-removed", G_CALLBACK(&EdsModuleSession::contactsRemoved), self);
         g_signal_connect(view, "complete", G_CALLBACK(&EdsModuleSession::viewComplete), self);
-        self->m_events->viewStarted(uid);
+        self->m_outbox.post([self, uid] { self->m_events->viewStarted(uid); });
         e_book_client_view_start(view, &error);
         if (error) {
-            self->m_events->bookFailed(uid, fromUtf8(error->message));
+            self->failed(uid, error);
             g_error_free(error);
         }
     }
@@ -368,35 +434,60 @@ private:
         g_source_unref(later);
     }
 
+    // Turning a contact into text costs EDS as much as reading it, and a book's contacts all arrive within a tenth of a
+    // second: the batches are turned into text on every core while the events keep their order.
     static void contactsChanged(EBookClientView *view, const GSList *contacts, gpointer data)
     {
         auto *self = static_cast<EdsModuleSession *>(data);
-        QList<Events::Card> cards;
-        for (const GSList *item = contacts; item; item = item->next) {
-            auto *contact = static_cast<EContact *>(item->data);
-            const char *uid = static_cast<const char *>(e_contact_get_const(contact, E_CONTACT_UID));
-            if (!uid) {
-                continue;
-            }
-            gchar *vcard = e_vcard_to_string(E_VCARD(contact), EVC_FORMAT_VCARD_30);
-            Events::Card card{fromUtf8(uid), QByteArray(vcard), {}};
-            g_free(vcard);
-            // EDS keeps pictures as files beside the book and names them in the card; only such a card is looked at
-            // for it.
-            if (card.vcard.contains("PHOTO") || card.vcard.contains("photo")) {
-                if (auto *photo = static_cast<EContactPhoto *>(e_contact_get(contact, E_CONTACT_PHOTO))) {
-                    if (photo->type == E_CONTACT_PHOTO_TYPE_URI && photo->data.uri) {
-                        card.photoUri = QByteArray(photo->data.uri);
-                    }
-                    e_contact_photo_free(photo);
-                }
-            }
-            cards.append(std::move(card));
-        }
         const std::string book = self->bookWith(view, &Book::view);
-        if (!book.empty() && !cards.isEmpty()) {
-            self->m_events->contactsChanged(fromUtf8(book.c_str()), cards);
+        if (book.empty() || !contacts) {
+            return;
         }
+        std::vector<EContact *> held;
+        for (const GSList *item = contacts; item; item = item->next) {
+            held.push_back(E_CONTACT(g_object_ref(item->data)));
+        }
+        auto conversion = std::make_shared<std::packaged_task<QList<Events::Card>()>>([held] { return cards(held); });
+        std::shared_future<QList<Events::Card>> converted = conversion->get_future().share();
+        self->m_converters.start([conversion] { (*conversion)(); });
+        self->m_outbox.post([self, uid = fromUtf8(book.c_str()), converted] {
+            const QList<Events::Card> &changed = converted.get();
+            if (!changed.isEmpty()) {
+                self->m_events->contactsChanged(uid, changed);
+            }
+        });
+    }
+
+    // The contacts as vCard text, with where their pictures lie; the references are given back.
+    static QList<Events::Card> cards(const std::vector<EContact *> &contacts)
+    {
+        QList<Events::Card> converted;
+        for (EContact *contact : contacts) {
+            const char *uid = static_cast<const char *>(e_contact_get_const(contact, E_CONTACT_UID));
+            if (uid) {
+                gchar *vcard = e_vcard_to_string(E_VCARD(contact), EVC_FORMAT_VCARD_30);
+                Events::Card card{fromUtf8(uid), QByteArray(vcard), {}};
+                g_free(vcard);
+                // EDS keeps pictures as files beside the book and names them in the card; only such a card is looked
+                // at for it.
+                if (card.vcard.contains("PHOTO") || card.vcard.contains("photo")) {
+                    if (auto *photo = static_cast<EContactPhoto *>(e_contact_get(contact, E_CONTACT_PHOTO))) {
+                        if (photo->type == E_CONTACT_PHOTO_TYPE_URI && photo->data.uri) {
+                            card.photoUri = QByteArray(photo->data.uri);
+                        }
+                        e_contact_photo_free(photo);
+                    }
+                }
+                converted.append(std::move(card));
+            }
+            g_object_unref(contact);
+        }
+        return converted;
+    }
+
+    void failed(const QString &book, const GError *error)
+    {
+        m_outbox.post([this, book, reason = fromUtf8(error->message)] { m_events->bookFailed(book, reason); });
     }
 
     static void contactsRemoved(EBookClientView *view, const GSList *uids, gpointer data)
@@ -408,7 +499,8 @@ private:
         }
         const std::string book = self->bookWith(view, &Book::view);
         if (!book.empty()) {
-            self->m_events->contactsRemoved(fromUtf8(book.c_str()), removed);
+            self->m_outbox.post(
+                [self, uid = fromUtf8(book.c_str()), removed] { self->m_events->contactsRemoved(uid, removed); });
         }
     }
 
@@ -420,9 +512,9 @@ private:
             return;
         }
         if (error) {
-            self->m_events->bookFailed(fromUtf8(book.c_str()), fromUtf8(error->message));
+            self->failed(fromUtf8(book.c_str()), error);
         } else {
-            self->m_events->viewComplete(fromUtf8(book.c_str()));
+            self->m_outbox.post([self, uid = fromUtf8(book.c_str())] { self->m_events->viewComplete(uid); });
         }
     }
 
@@ -459,6 +551,9 @@ private:
         g_source_destroy(bound);
         g_source_unref(bound);
         g_clear_object(&m_bus);
+        // What is under way is still told, unless the store asked the session to stop (a missing EDS must be told).
+        m_outbox.close(m_stopping.load());
+        m_converters.waitForDone();
     }
 
     static constexpr guint reconnectDelay = 1000; // milliseconds
@@ -477,6 +572,8 @@ private:
     unsigned m_serials = 0;
     std::map<std::string, Book> m_books;
     QList<Events::Book> m_listed;
+    QThreadPool m_converters; // made from this thread, whose priority its threads take
+    Outbox m_outbox;
 };
 
 } // namespace

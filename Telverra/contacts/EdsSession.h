@@ -37,7 +37,7 @@ public:
         virtual void unavailable(const QString &reason) = 0;
         /// The enabled address books, each time they or their names change.
         virtual void booksListed(const QList<Book> &books) = 0;
-        /// A book could not be opened or read; it has no contacts until it is listed again.
+        /// A book could not be opened or read (what it held before stays as it was).
         virtual void bookFailed(const QString &book, const QString &reason) = 0;
         /// The book is read anew (first opened, or reopened after its service stopped): the contacts reported until
         /// its next viewComplete() are all it holds.
