@@ -30,6 +30,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString servicesFile = u"/usr/share/dbus-1/services/org.gnome.evolution.dataserver.Sources5.service"_s;
+const QString personalBook = u"system-address-book"_s;
 // A 1×1 PNG.
 const QByteArray png = QByteArray::fromBase64(
     "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mNk+M9QDwADhgGAWjR9awAAAABJRU5ErkJggg==");
@@ -42,15 +43,28 @@ QByteArray card(const QByteArray &given, const QByteArray &family, const QByteAr
 
 QString personal(const QString &uid)
 {
-    return EdsContactStore::identifier(u"system-address-book"_s, uid);
+    return EdsContactStore::identifier(personalBook, uid);
 }
 
-QString message(GError *error)
+// Whether a libebook call succeeded; says why when it did not.
+bool succeeded(bool result, GError *error)
 {
-    const QString text = error ? QString::fromUtf8(error->message) : QString();
+    if (!result) {
+        qWarning() << (error ? error->message : "failed");
+    }
     g_clear_error(&error);
-    return text;
+    return result;
 }
+
+// The address book as the window reads it: the vCard folders, then EDS's books.
+struct AddressBook
+{
+    EdsContactStore eds;
+    VCardDirectoryStore folders;
+    CombinedContactStore both{{&folders, &eds}};
+    ContactStoreManager manager{both};
+    ContactsDataService service{&manager};
+};
 
 } // namespace
 
@@ -72,7 +86,6 @@ private:
     // Through libebook, as GNOME Contacts writes.
     EBookClient *book(const QString &uid);
     QString addContact(const QString &bookUid, const QByteArray &vcard);
-    QString createBook(const QString &name);
     /// A dbus-daemon with the given configuration option, and its address.
     static std::unique_ptr<QProcess> startBus(const QString &config, QString &address);
     bool m_servicesInstalled = false;
@@ -84,11 +97,7 @@ private:
     QMap<QString, EBookClient *> m_clients;
     QString m_workBook;
     QString m_ana, m_luis, m_eva;
-    std::unique_ptr<EdsContactStore> m_eds;
-    std::unique_ptr<VCardDirectoryStore> m_folders;
-    std::unique_ptr<CombinedContactStore> m_both;
-    std::unique_ptr<ContactStoreManager> m_manager;
-    std::unique_ptr<ContactsDataService> m_service;
+    std::unique_ptr<AddressBook> m_read;
 };
 
 std::unique_ptr<QProcess> tst_EdsContactStore::startBus(const QString &config, QString &address)
@@ -121,25 +130,29 @@ void tst_EdsContactStore::initTestCase()
 
     GError *error = nullptr;
     m_registry = e_source_registry_new_sync(nullptr, &error);
-    QVERIFY2(m_registry, qPrintable(message(error)));
-    m_workBook = createBook(u"Work"_s);
-    QVERIFY(!m_workBook.isEmpty());
+    QVERIFY(succeeded(m_registry, error));
+    // A second book, made as GNOME Contacts makes one.
+    ESource *work = e_source_new(nullptr, nullptr, &error);
+    e_source_set_display_name(work, "Work");
+    e_source_set_parent(work, "local-stub");
+    e_source_backend_set_backend_name(E_SOURCE_BACKEND(e_source_get_extension(work, E_SOURCE_EXTENSION_ADDRESS_BOOK)),
+                                      "local");
+    GList *sources = g_list_append(nullptr, work);
+    QVERIFY(succeeded(e_source_registry_create_sources_sync(m_registry, sources, nullptr, &error), error));
+    g_list_free(sources);
+    m_workBook = QString::fromUtf8(e_source_get_uid(work));
+    g_object_unref(work);
     // vCard 4's quoted type list and an embedded picture, which the personal book keeps as a file of its own.
-    m_ana = addContact(
-        u"system-address-book"_s,
-        card("Ana", "García",
-             "TEL;TYPE=\"home,fax\":+34 910 000 000\r\nPHOTO;ENCODING=b;TYPE=PNG:" + png.toBase64() + "\r\n"));
-    m_luis = addContact(u"system-address-book"_s, card("Luis", "Ruiz", "TEL;TYPE=CELL:+34 600 222 333\r\n"));
+    m_ana = addContact(personalBook, card("Ana", "García",
+                                          "TEL;TYPE=\"home,fax\":+34 910 000 000\r\nPHOTO;ENCODING=b;TYPE=PNG:" +
+                                              png.toBase64() + "\r\n"));
+    m_luis = addContact(personalBook, card("Luis", "Ruiz", "TEL;TYPE=CELL:+34 600 222 333\r\n"));
     QVERIFY(!m_ana.isEmpty() && !m_luis.isEmpty() && !addContact(m_workBook, card("Marta", "Soler")).isEmpty());
 }
 
 void tst_EdsContactStore::cleanupTestCase()
 {
-    m_service.reset();
-    m_manager.reset();
-    m_both.reset();
-    m_folders.reset();
-    m_eds.reset();
+    m_read.reset();
     for (EBookClient *client : std::as_const(m_clients)) {
         g_object_unref(client);
     }
@@ -151,8 +164,7 @@ void tst_EdsContactStore::cleanupTestCase()
     QList<uint> services;
     {
         QDBusConnection bus = QDBusConnection::connectToBus(m_address, u"cleanup"_s);
-        const QStringList names = bus.interface()->registeredServiceNames();
-        for (const QString &name : names) {
+        for (const QString &name : bus.interface()->registeredServiceNames().value()) {
             const uint pid = bus.interface()->servicePid(name);
             if (name.startsWith(u':') && pid != 0 && pid != uint(QCoreApplication::applicationPid()) &&
                 !services.contains(pid)) {
@@ -161,8 +173,7 @@ void tst_EdsContactStore::cleanupTestCase()
         }
     }
     QDBusConnection::disconnectFromBus(u"cleanup"_s);
-    GDBusConnection *shared = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
-    if (shared) {
+    if (GDBusConnection *shared = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr)) {
         g_dbus_connection_set_exit_on_close(shared, FALSE);
         g_object_unref(shared);
     }
@@ -178,110 +189,69 @@ void tst_EdsContactStore::cleanupTestCase()
 
 EBookClient *tst_EdsContactStore::book(const QString &uid)
 {
-    if (EBookClient *client = m_clients.value(uid)) {
-        return client;
+    if (!m_clients.contains(uid)) {
+        ESource *source = e_source_registry_ref_source(m_registry, uid.toUtf8().constData());
+        GError *error = nullptr;
+        EClient *client = source ? e_book_client_connect_sync(source, guint32(-1), nullptr, &error) : nullptr;
+        g_clear_object(&source);
+        if (!succeeded(client, error)) {
+            return nullptr;
+        }
+        m_clients.insert(uid, E_BOOK_CLIENT(client));
     }
-    ESource *source = e_source_registry_ref_source(m_registry, uid.toUtf8().constData());
-    if (!source) {
-        return nullptr;
-    }
-    GError *error = nullptr;
-    EClient *client = e_book_client_connect_sync(source, guint32(-1), nullptr, &error);
-    g_object_unref(source);
-    if (!client) {
-        qWarning() << "cannot open" << uid << message(error);
-        return nullptr;
-    }
-    m_clients.insert(uid, E_BOOK_CLIENT(client));
-    return E_BOOK_CLIENT(client);
+    return m_clients.value(uid);
 }
 
 QString tst_EdsContactStore::addContact(const QString &bookUid, const QByteArray &vcard)
 {
     EBookClient *client = book(bookUid);
-    if (!client) {
-        return {};
-    }
     EContact *contact = e_contact_new_from_vcard(vcard.constData());
     gchar *uid = nullptr;
     GError *error = nullptr;
-    const bool added =
-        e_book_client_add_contact_sync(client, contact, E_BOOK_OPERATION_FLAG_NONE, &uid, nullptr, &error);
+    const bool added = client && succeeded(e_book_client_add_contact_sync(client, contact, E_BOOK_OPERATION_FLAG_NONE,
+                                                                          &uid, nullptr, &error),
+                                           error);
     g_object_unref(contact);
-    if (!added) {
-        qWarning() << "cannot add to" << bookUid << message(error);
-        return {};
-    }
-    const QString result = QString::fromUtf8(uid);
+    const QString result = added ? QString::fromUtf8(uid) : QString();
     g_free(uid);
     return result;
 }
 
-QString tst_EdsContactStore::createBook(const QString &name)
-{
-    GError *error = nullptr;
-    ESource *source = e_source_new(nullptr, nullptr, &error);
-    e_source_set_display_name(source, name.toUtf8().constData());
-    e_source_set_parent(source, "local-stub");
-    e_source_backend_set_backend_name(E_SOURCE_BACKEND(e_source_get_extension(source, E_SOURCE_EXTENSION_ADDRESS_BOOK)),
-                                      "local");
-    GList *sources = g_list_append(nullptr, source);
-    const bool created = e_source_registry_create_sources_sync(m_registry, sources, nullptr, &error);
-    g_list_free(sources);
-    const QString uid = QString::fromUtf8(e_source_get_uid(source));
-    g_object_unref(source);
-    if (!created) {
-        qWarning() << "cannot create" << name << message(error);
-        return {};
-    }
-    return uid;
-}
-
-// What the application keeps of a contact EDS hands over.
+// What the application keeps of a contact EDS hands over: its picture only from a local file, never fetched.
 void tst_EdsContactStore::records_data()
 {
     QTest::addColumn<QByteArray>("vcard");
     QTest::addColumn<QByteArray>("photoUri");
-    QTest::addColumn<QString>("label"); // of the first number
     QTest::addColumn<QByteArray>("photo");
 
     const QByteArray ana = "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:pas-id-1\r\nN:García;Ana;;;\r\n";
     const QString picture = m_home->writeFile(u"photo.png"_s, png);
     const QString fifo = m_home->path() + u"/fifo.png";
     QVERIFY(::mkfifo(QFile::encodeName(fifo).constData(), 0600) == 0);
-    const QByteArray pictureUri = QUrl::fromLocalFile(picture).toEncoded();
 
-    QTest::newRow("vCard 4 type list in quotes") << ana + "TEL;TYPE=\"home,fax\":+34 910\r\nEND:VCARD\r\n"
-                                                 << QByteArray() << u"home fax"_s << QByteArray();
-    QTest::newRow("picture kept as a local file") << ana + "TEL;TYPE=CELL:+34 600\r\nEND:VCARD\r\n"
-                                                  << pictureUri << u"mobile"_s << png;
-    QTest::newRow("picture elsewhere not fetched")
-        << ana + "TEL:+34 600\r\nEND:VCARD\r\n"
-        << QByteArray("http://127.0.0.1:9/photo.png") << u""_s << QByteArray();
-    QTest::newRow("picture on another host not read")
-        << ana + "TEL:+34 600\r\nEND:VCARD\r\n"
-        << QByteArray("file://elsewhere") + picture.toUtf8() << u""_s << QByteArray();
-    QTest::newRow("a FIFO is never waited on") << ana + "TEL:+34 600\r\nEND:VCARD\r\n"
-                                               << QUrl::fromLocalFile(fifo).toEncoded() << u""_s << QByteArray();
+    QTest::newRow("kept as a local file") << ana + "END:VCARD\r\n" << QUrl::fromLocalFile(picture).toEncoded() << png;
+    QTest::newRow("elsewhere: not fetched") << ana + "END:VCARD\r\n"
+                                            << QByteArray("http://127.0.0.1:9/photo.png") << QByteArray();
+    QTest::newRow("on another host: not read") << ana + "END:VCARD\r\n"
+                                               << QByteArray("file://elsewhere") + picture.toUtf8() << QByteArray();
+    QTest::newRow("a FIFO is never waited on") << ana + "END:VCARD\r\n"
+                                               << QUrl::fromLocalFile(fifo).toEncoded() << QByteArray();
     QTest::newRow("the card's own picture wins")
-        << ana + "TEL:+34 600\r\nPHOTO;ENCODING=b;TYPE=PNG:" + png.toBase64() + "\r\nEND:VCARD\r\n"
-        << QByteArray("file:///nonexistent.png") << u""_s << png;
-    QTest::newRow("not a card") << QByteArray("garbage") << QByteArray() << QString() << QByteArray();
+        << ana + "PHOTO;ENCODING=b;TYPE=PNG:" + png.toBase64() + "\r\nEND:VCARD\r\n"
+        << QByteArray("file:///nonexistent.png") << png;
+    QTest::newRow("not a card") << QByteArray("garbage") << QByteArray() << QByteArray();
 }
 
 void tst_EdsContactStore::records()
 {
     QFETCH(QByteArray, vcard);
     QFETCH(QByteArray, photoUri);
-    QFETCH(QString, label);
     QFETCH(QByteArray, photo);
-    const std::optional<VCardContact> contact =
-        EdsContactStore::record(u"system-address-book"_s, {u"pas-id-1"_s, vcard, photoUri});
-    QCOMPARE(contact.has_value(), !label.isNull());
+    const std::optional<VCardContact> contact = EdsContactStore::record(personalBook, {u"pas-id-1"_s, vcard, photoUri});
+    QCOMPARE(contact.has_value(), vcard != "garbage");
     if (contact) {
         QCOMPARE(contact->identifier, u"eds:system-address-book/pas-id-1"_s);
         QCOMPARE(contact->familyName, u"García"_s);
-        QCOMPARE(ContactLabels::localizedString(contact->phoneNumbers.value(0).label), label);
         QCOMPARE(contact->thumbnailImageData, photo);
     }
 }
@@ -307,31 +277,28 @@ void tst_EdsContactStore::booksReadAndFollowed()
     if (!m_servicesInstalled) {
         QSKIP("Evolution Data Server's services are not installed (Debian: evolution-data-server, dbus-daemon)");
     }
-    if (!m_eds) {
-        m_eds = std::make_unique<EdsContactStore>();
-        m_folders = std::make_unique<VCardDirectoryStore>();
-        m_both = std::make_unique<CombinedContactStore>(QList<ContactStore *>{m_folders.get(), m_eds.get()});
-        m_manager = std::make_unique<ContactStoreManager>(*m_both);
-        m_service = std::make_unique<ContactsDataService>(m_manager.get());
+    if (!m_read) {
+        m_read = std::make_unique<AddressBook>();
     }
 
     GError *error = nullptr;
     if (change == u"rename Luis") {
         EContact *luis = nullptr;
-        QVERIFY(e_book_client_get_contact_sync(book(u"system-address-book"_s), m_luis.toUtf8().constData(), &luis,
-                                               nullptr, &error));
+        QVERIFY(succeeded(
+            e_book_client_get_contact_sync(book(personalBook), m_luis.toUtf8().constData(), &luis, nullptr, &error),
+            error));
         EContactName *name = e_contact_name_from_string("Lucho Ruiz");
         e_contact_set(luis, E_CONTACT_NAME, name);
         e_contact_set(luis, E_CONTACT_FULL_NAME, "Lucho Ruiz");
         e_contact_name_free(name);
-        QVERIFY2(e_book_client_modify_contact_sync(book(u"system-address-book"_s), luis, E_BOOK_OPERATION_FLAG_NONE,
-                                                   nullptr, &error),
-                 qPrintable(message(error)));
+        const bool modified =
+            e_book_client_modify_contact_sync(book(personalBook), luis, E_BOOK_OPERATION_FLAG_NONE, nullptr, &error);
         g_object_unref(luis);
+        QVERIFY(succeeded(modified, error));
     } else if (change == u"remove Ana") {
-        QVERIFY2(e_book_client_remove_contact_by_uid_sync(book(u"system-address-book"_s), m_ana.toUtf8().constData(),
-                                                          E_BOOK_OPERATION_FLAG_NONE, nullptr, &error),
-                 qPrintable(message(error)));
+        QVERIFY(succeeded(e_book_client_remove_contact_by_uid_sync(book(personalBook), m_ana.toUtf8().constData(),
+                                                                   E_BOOK_OPERATION_FLAG_NONE, nullptr, &error),
+                          error));
     } else if (change == u"restart, add Eva") {
         QDBusConnection bus = QDBusConnection::connectToBus(m_address, u"restart"_s);
         const uint factory = bus.interface()->servicePid(u"org.gnome.evolution.dataserver.AddressBook10"_s);
@@ -339,20 +306,20 @@ void tst_EdsContactStore::booksReadAndFollowed()
         QVERIFY(factory != 0);
         QCOMPARE(::kill(pid_t(factory), SIGTERM), 0);
         QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(u"/proc/"_s + QString::number(factory)), 20000);
-        g_object_unref(m_clients.take(u"system-address-book"_s)); // its connection ended with the service
-        m_eva = addContact(u"system-address-book"_s, card("Eva", "Vidal"));
+        g_object_unref(m_clients.take(personalBook)); // its connection ended with the service
+        m_eva = addContact(personalBook, card("Eva", "Vidal"));
         QVERIFY(!m_eva.isEmpty());
     } else if (change == u"disable Work") {
         ESource *work = e_source_registry_ref_source(m_registry, m_workBook.toUtf8().constData());
-        QVERIFY(work);
         e_source_set_enabled(work, FALSE);
-        QVERIFY2(e_source_write_sync(work, nullptr, &error), qPrintable(message(error)));
+        const bool written = e_source_write_sync(work, nullptr, &error);
         g_object_unref(work);
+        QVERIFY(succeeded(written, error));
     }
 
     auto edsNames = [this] {
         QStringList names;
-        for (const Contact &contact : m_service->allContacts()) {
+        for (const Contact &contact : m_read->service.allContacts()) {
             if (contact.id().startsWith(u"eds:")) {
                 names.append(contact.contact().givenName);
             }
@@ -361,27 +328,27 @@ void tst_EdsContactStore::booksReadAndFollowed()
         return names;
     };
     QTRY_COMPARE_WITH_TIMEOUT(edsNames(), expected, 30000);
-    QVERIFY(m_service->contact(u"pedro"_s)); // the vCard folder's contact stays throughout
+    QVERIFY(m_read->service.contact(u"pedro"_s)); // the vCard folder's contact stays throughout
     if (!change.isEmpty()) {
         return;
     }
-    QVERIFY(m_eds->isSettled());
-    QCOMPARE(m_eds->unavailableReason(), QString());
-    const QList<ContactStore::Container> containers = m_both->containers().containers;
-    QCOMPARE(containers.size(), 3);
-    QCOMPARE(containers[1].identifier, u"eds:system-address-book"_s);
-    QCOMPARE(containers[1].name, u"Personal"_s);
-    QCOMPARE(containers[2].identifier, u"eds:"_s + m_workBook);
-    QCOMPARE(containers[2].name, u"Work"_s);
+    QVERIFY(m_read->eds.isSettled());
+    QCOMPARE(m_read->eds.unavailableReason(), QString());
+    QStringList containers;
+    for (const ContactStore::Container &container : m_read->both.containers().containers) {
+        containers.append(container.identifier + u' ' + container.name);
+    }
+    QCOMPARE(containers.mid(1),
+             (QStringList{u"eds:system-address-book Personal"_s, u"eds:"_s + m_workBook + u" Work"}));
     // EDS moved Ana's picture into a file of its own, and kept her fax's type list quoted.
-    const std::optional<Contact> ana = m_service->contact(personal(m_ana));
+    const std::optional<Contact> ana = m_read->service.contact(personal(m_ana));
     QVERIFY(ana);
     QCOMPARE(ana->contact().thumbnailImageData, png);
     QCOMPARE(ContactLabels::phoneNumbersByLabel(ana->contact()).keys(), QStringList{u"home fax"_s});
-    const std::optional<Contact> luis = m_service->findContact(u"+34 600 222 333"_s).contact;
+    const std::optional<Contact> luis = m_read->service.findContact(u"+34 600 222 333"_s).contact;
     QVERIFY(luis);
     QCOMPARE(luis->id(), personal(m_luis));
-    QCOMPARE(m_manager->fetchContact(luis->id())->contact().familyName, u"Ruiz"_s);
+    QCOMPARE(m_read->manager.fetchContact(luis->id())->contact().familyName, u"Ruiz"_s);
 }
 
 // telverra contacts: EDS's books beside the folders when EDS is on the bus, the folders alone and at once when it is
