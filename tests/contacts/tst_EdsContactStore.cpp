@@ -73,14 +73,273 @@ class tst_EdsContactStore : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void cleanupTestCase();
-    void records_data();
-    void records();
-    void booksReadAndFollowed_data();
-    void booksReadAndFollowed();
-    void commandLine_data();
-    void commandLine();
+
+    void initTestCase()
+    {
+        m_home = std::make_unique<TestHome>();
+        m_home->writeFile(u".local/share/contacts/family/pedro.vcf"_s,
+                          "BEGIN:VCARD\nVERSION:3.0\nUID:pedro\nN:Gil;Pedro;;;\nEND:VCARD\n");
+        m_servicesInstalled =
+            QFile::exists(servicesFile) && !QStandardPaths::findExecutable(u"dbus-daemon"_s).isEmpty();
+        if (!m_servicesInstalled) {
+            return;
+        }
+        QVERIFY2(!EdsContactStore::defaultModule().isEmpty(), "built without Evolution Data Server (TELVERRA_EDS)");
+        // The bus and the services it starts see the throw-away home, as this process does.
+        m_bus = startBus(u"--session"_s, m_address);
+        QVERIFY(m_bus);
+        qputenv("DBUS_SESSION_BUS_ADDRESS", m_address.toLatin1());
+
+        GError *error = nullptr;
+        m_registry = e_source_registry_new_sync(nullptr, &error);
+        QVERIFY(succeeded(m_registry, error));
+        // A second book, made as GNOME Contacts makes one.
+        ESource *work = e_source_new(nullptr, nullptr, &error);
+        e_source_set_display_name(work, "Work");
+        e_source_set_parent(work, "local-stub");
+        e_source_backend_set_backend_name(
+            E_SOURCE_BACKEND(e_source_get_extension(work, E_SOURCE_EXTENSION_ADDRESS_BOOK)), "local");
+        GList *sources = g_list_append(nullptr, work);
+        QVERIFY(succeeded(e_source_registry_create_sources_sync(m_registry, sources, nullptr, &error), error));
+        g_list_free(sources);
+        m_workBook = QString::fromUtf8(e_source_get_uid(work));
+        g_object_unref(work);
+        // vCard 4's quoted type list and an embedded picture, which the personal book keeps as a file of its own.
+        m_ana = addContact(personalBook, card("Ana", "García",
+                                              "TEL;TYPE=\"home,fax\":+34 910 000 000\r\nPHOTO;ENCODING=b;TYPE=PNG:" +
+                                                  png.toBase64() + "\r\n"));
+        m_luis = addContact(personalBook, card("Luis", "Ruiz", "TEL;TYPE=CELL:+34 600 222 333\r\n"));
+        QVERIFY(!m_ana.isEmpty() && !m_luis.isEmpty() && !addContact(m_workBook, card("Marta", "Soler")).isEmpty());
+    }
+
+    void cleanupTestCase()
+    {
+        m_read.reset();
+        for (EBookClient *client : std::as_const(m_clients)) {
+            g_object_unref(client);
+        }
+        g_clear_object(&m_registry);
+        if (!m_bus) {
+            return;
+        }
+        // The services this bus started end with it: each is stopped and waited for before the home goes.
+        QList<uint> services;
+        {
+            QDBusConnection bus = QDBusConnection::connectToBus(m_address, u"cleanup"_s);
+            for (const QString &name : bus.interface()->registeredServiceNames().value()) {
+                const uint pid = bus.interface()->servicePid(name);
+                if (name.startsWith(u':') && pid != 0 && pid != uint(QCoreApplication::applicationPid()) &&
+                    !services.contains(pid)) {
+                    services.append(pid);
+                }
+            }
+        }
+        QDBusConnection::disconnectFromBus(u"cleanup"_s);
+        if (GDBusConnection *shared = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr)) {
+            g_dbus_connection_set_exit_on_close(shared, FALSE);
+            g_object_unref(shared);
+        }
+        for (uint pid : std::as_const(services)) {
+            ::kill(pid_t(pid), SIGTERM);
+        }
+        m_bus->terminate();
+        m_bus->waitForFinished();
+        for (uint pid : std::as_const(services)) {
+            QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(u"/proc/"_s + QString::number(pid)), 20000);
+        }
+    }
+
+    // What the application keeps of a contact EDS hands over: its picture only from a local file, never fetched.
+    void records_data()
+    {
+        QTest::addColumn<QByteArray>("vcard");
+        QTest::addColumn<QByteArray>("photoUri");
+        QTest::addColumn<QByteArray>("photo");
+
+        const QByteArray ana = "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:pas-id-1\r\nN:García;Ana;;;\r\n";
+        const QByteArray plain = ana + "END:VCARD\r\n";
+        const QString picture = m_home->writeFile(u"photo.png"_s, png);
+        const QString fifo = m_home->path() + u"/fifo.png";
+        QVERIFY(::mkfifo(QFile::encodeName(fifo).constData(), 0600) == 0);
+
+        QTest::newRow("kept as a local file") << plain << QUrl::fromLocalFile(picture).toEncoded() << png;
+        QTest::newRow("elsewhere: not fetched") << plain << QByteArray("http://127.0.0.1:9/photo.png") << QByteArray();
+        QTest::newRow("on another host: not read")
+            << plain << QByteArray("file://elsewhere") + picture.toUtf8() << QByteArray();
+        QTest::newRow("a FIFO is never waited on") << plain << QUrl::fromLocalFile(fifo).toEncoded() << QByteArray();
+        QTest::newRow("the card's own picture wins")
+            << ana + "PHOTO;ENCODING=b;TYPE=PNG:" + png.toBase64() + "\r\nEND:VCARD\r\n"
+            << QByteArray("file:///nonexistent.png") << png;
+        QTest::newRow("not a card") << QByteArray("garbage") << QByteArray() << QByteArray();
+    }
+
+    void records()
+    {
+        QFETCH(QByteArray, vcard);
+        QFETCH(QByteArray, photoUri);
+        QFETCH(QByteArray, photo);
+        const std::optional<VCardContact> contact =
+            EdsContactStore::record(personalBook, {u"pas-id-1"_s, vcard, photoUri});
+        QCOMPARE(contact.has_value(), vcard != "garbage");
+        if (contact) {
+            QCOMPARE(contact->identifier, u"eds:system-address-book/pas-id-1"_s);
+            QCOMPARE(contact->familyName, u"García"_s);
+            QCOMPARE(contact->thumbnailImageData, photo);
+        }
+    }
+
+    // The books are read into the address book beside the vCard folders, and every change in them follows, in order.
+    void booksReadAndFollowed_data()
+    {
+        QTest::addColumn<QString>("change");
+        QTest::addColumn<QStringList>("expected"); // the EDS contacts after it, by their names
+
+        QTest::newRow("both books read") << QString() << QStringList{u"Ana"_s, u"Luis"_s, u"Marta"_s};
+        QTest::newRow("a contact changed") << u"rename Luis"_s << QStringList{u"Ana"_s, u"Lucho"_s, u"Marta"_s};
+        QTest::newRow("a contact removed") << u"remove Ana"_s << QStringList{u"Lucho"_s, u"Marta"_s};
+        QTest::newRow("the book's service restarted, then a contact added")
+            << u"restart, add Eva"_s << QStringList{u"Eva"_s, u"Lucho"_s, u"Marta"_s};
+        QTest::newRow("a book disabled") << u"disable Work"_s << QStringList{u"Eva"_s, u"Lucho"_s};
+    }
+
+    void booksReadAndFollowed()
+    {
+        QFETCH(QString, change);
+        QFETCH(QStringList, expected);
+        if (!m_servicesInstalled) {
+            QSKIP("Evolution Data Server's services are not installed (Debian: evolution-data-server, dbus-daemon)");
+        }
+        if (!m_read) {
+            m_read = std::make_unique<AddressBook>();
+        }
+
+        GError *error = nullptr;
+        if (change == u"rename Luis") {
+            EContact *luis = nullptr;
+            QVERIFY(succeeded(
+                e_book_client_get_contact_sync(book(personalBook), m_luis.toUtf8().constData(), &luis, nullptr, &error),
+                error));
+            EContactName *name = e_contact_name_from_string("Lucho Ruiz");
+            e_contact_set(luis, E_CONTACT_NAME, name);
+            e_contact_set(luis, E_CONTACT_FULL_NAME, "Lucho Ruiz");
+            e_contact_name_free(name);
+            const bool modified = e_book_client_modify_contact_sync(book(personalBook), luis,
+                                                                    E_BOOK_OPERATION_FLAG_NONE, nullptr, &error);
+            g_object_unref(luis);
+            QVERIFY(succeeded(modified, error));
+        } else if (change == u"remove Ana") {
+            QVERIFY(succeeded(e_book_client_remove_contact_by_uid_sync(book(personalBook), m_ana.toUtf8().constData(),
+                                                                       E_BOOK_OPERATION_FLAG_NONE, nullptr, &error),
+                              error));
+        } else if (change == u"restart, add Eva") {
+            QDBusConnection bus = QDBusConnection::connectToBus(m_address, u"restart"_s);
+            const uint factory = bus.interface()->servicePid(u"org.gnome.evolution.dataserver.AddressBook10"_s);
+            QDBusConnection::disconnectFromBus(u"restart"_s);
+            QVERIFY(factory != 0);
+            QCOMPARE(::kill(pid_t(factory), SIGTERM), 0);
+            QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(u"/proc/"_s + QString::number(factory)), 20000);
+            g_object_unref(m_clients.take(personalBook)); // its connection ended with the service
+            m_eva = addContact(personalBook, card("Eva", "Vidal"));
+            QVERIFY(!m_eva.isEmpty());
+        } else if (change == u"disable Work") {
+            ESource *work = e_source_registry_ref_source(m_registry, m_workBook.toUtf8().constData());
+            e_source_set_enabled(work, FALSE);
+            const bool written = e_source_write_sync(work, nullptr, &error);
+            g_object_unref(work);
+            QVERIFY(succeeded(written, error));
+        }
+
+        auto edsNames = [this] {
+            QStringList names;
+            for (const Contact &contact : m_read->service.allContacts()) {
+                if (contact.id().startsWith(u"eds:")) {
+                    names.append(contact.contact().givenName);
+                }
+            }
+            names.sort();
+            return names;
+        };
+        QTRY_COMPARE_WITH_TIMEOUT(edsNames(), expected, 30000);
+        QVERIFY(m_read->service.contact(u"pedro"_s)); // the vCard folder's contact stays throughout
+        if (!change.isEmpty()) {
+            return;
+        }
+        QVERIFY(m_read->eds.isSettled());
+        QCOMPARE(m_read->eds.unavailableReason(), QString());
+        QStringList containers;
+        for (const ContactStore::Container &container : m_read->both.containers().containers) {
+            containers.append(container.identifier + u' ' + container.name);
+        }
+        QCOMPARE(containers.mid(1),
+                 (QStringList{u"eds:system-address-book Personal"_s, u"eds:"_s + m_workBook + u" Work"}));
+        // EDS moved Ana's picture into a file of its own, and kept her fax's type list quoted.
+        const std::optional<Contact> ana = m_read->service.contact(personal(m_ana));
+        QVERIFY(ana);
+        QCOMPARE(ana->contact().thumbnailImageData, png);
+        QCOMPARE(ContactLabels::phoneNumbersByLabel(ana->contact()).keys(), QStringList{u"home fax"_s});
+        const std::optional<Contact> luis = m_read->service.findContact(u"+34 600 222 333"_s).contact;
+        QVERIFY(luis);
+        QCOMPARE(luis->id(), personal(m_luis));
+        QCOMPARE(m_read->manager.fetchContact(luis->id())->contact().familyName, u"Ruiz"_s);
+    }
+
+    // telverra contacts: EDS's books beside the folders when EDS is on the bus, the folders alone and at once when it
+    // is not, and only the folder named by --contacts.
+    void commandLine_data()
+    {
+        QTest::addColumn<QString>("bus");
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QStringList>("expected");
+
+        const QString folder = m_home->path() + u"/.local/share/contacts/family";
+        QStringList all{personal(m_luis), personal(m_eva), u"pedro"_s};
+        all.sort();
+        QTest::newRow("EDS on the bus") << u"eds"_s << QStringList() << all;
+        QTest::newRow("a bus without EDS") << u"bare"_s << QStringList() << QStringList{u"pedro"_s};
+        QTest::newRow("no bus") << u"none"_s << QStringList() << QStringList{u"pedro"_s};
+        QTest::newRow("--contacts DIR") << u"eds"_s << QStringList{u"--contacts"_s, folder} << QStringList{u"pedro"_s};
+    }
+
+    void commandLine()
+    {
+        QFETCH(QString, bus);
+        QFETCH(QStringList, arguments);
+        QFETCH(QStringList, expected);
+        if (!m_servicesInstalled) {
+            QSKIP("Evolution Data Server's services are not installed (Debian: evolution-data-server, dbus-daemon)");
+        }
+
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        std::unique_ptr<QProcess> bareBus;
+        if (bus == u"bare") {
+            const QString config = m_home->writeFile(
+                u"bare.conf"_s,
+                "<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen><policy "
+                "context=\"default\"><allow send_destination=\"*\"/><allow own=\"*\"/></policy></busconfig>\n");
+            QString address;
+            bareBus = startBus(u"--config-file="_s + config, address);
+            QVERIFY(bareBus);
+            environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, address);
+        } else if (bus == u"none") {
+            environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nonexistent"_s);
+        }
+        QProcess telverra;
+        telverra.setProcessEnvironment(environment);
+        telverra.start(QStringLiteral(TELVERRA_EXECUTABLE), QStringList{u"contacts"_s, u"--json"_s} + arguments);
+        QVERIFY(telverra.waitForFinished(60000));
+        QCOMPARE(telverra.exitCode(), 0);
+        QStringList ids;
+        const QJsonArray listed = QJsonDocument::fromJson(telverra.readAllStandardOutput()).array();
+        for (const QJsonValue &contact : listed) {
+            ids.append(contact.toObject().value(u"id"_s).toString());
+        }
+        ids.sort();
+        QCOMPARE(ids, expected);
+        if (bareBus) {
+            bareBus->terminate();
+            bareBus->waitForFinished();
+        }
+    }
 
 private:
     // Through libebook, as GNOME Contacts writes.
@@ -113,80 +372,6 @@ std::unique_ptr<QProcess> tst_EdsContactStore::startBus(const QString &config, Q
     return bus;
 }
 
-void tst_EdsContactStore::initTestCase()
-{
-    m_home = std::make_unique<TestHome>();
-    m_home->writeFile(u".local/share/contacts/family/pedro.vcf"_s,
-                      "BEGIN:VCARD\nVERSION:3.0\nUID:pedro\nN:Gil;Pedro;;;\nEND:VCARD\n");
-    m_servicesInstalled = QFile::exists(servicesFile) && !QStandardPaths::findExecutable(u"dbus-daemon"_s).isEmpty();
-    if (!m_servicesInstalled) {
-        return;
-    }
-    QVERIFY2(!EdsContactStore::defaultModule().isEmpty(), "built without Evolution Data Server (TELVERRA_EDS)");
-    // The bus and the services it starts see the throw-away home, as this process does.
-    m_bus = startBus(u"--session"_s, m_address);
-    QVERIFY(m_bus);
-    qputenv("DBUS_SESSION_BUS_ADDRESS", m_address.toLatin1());
-
-    GError *error = nullptr;
-    m_registry = e_source_registry_new_sync(nullptr, &error);
-    QVERIFY(succeeded(m_registry, error));
-    // A second book, made as GNOME Contacts makes one.
-    ESource *work = e_source_new(nullptr, nullptr, &error);
-    e_source_set_display_name(work, "Work");
-    e_source_set_parent(work, "local-stub");
-    e_source_backend_set_backend_name(E_SOURCE_BACKEND(e_source_get_extension(work, E_SOURCE_EXTENSION_ADDRESS_BOOK)),
-                                      "local");
-    GList *sources = g_list_append(nullptr, work);
-    QVERIFY(succeeded(e_source_registry_create_sources_sync(m_registry, sources, nullptr, &error), error));
-    g_list_free(sources);
-    m_workBook = QString::fromUtf8(e_source_get_uid(work));
-    g_object_unref(work);
-    // vCard 4's quoted type list and an embedded picture, which the personal book keeps as a file of its own.
-    m_ana = addContact(personalBook, card("Ana", "García",
-                                          "TEL;TYPE=\"home,fax\":+34 910 000 000\r\nPHOTO;ENCODING=b;TYPE=PNG:" +
-                                              png.toBase64() + "\r\n"));
-    m_luis = addContact(personalBook, card("Luis", "Ruiz", "TEL;TYPE=CELL:+34 600 222 333\r\n"));
-    QVERIFY(!m_ana.isEmpty() && !m_luis.isEmpty() && !addContact(m_workBook, card("Marta", "Soler")).isEmpty());
-}
-
-void tst_EdsContactStore::cleanupTestCase()
-{
-    m_read.reset();
-    for (EBookClient *client : std::as_const(m_clients)) {
-        g_object_unref(client);
-    }
-    g_clear_object(&m_registry);
-    if (!m_bus) {
-        return;
-    }
-    // The services this bus started end with it: each is stopped and waited for before the home goes.
-    QList<uint> services;
-    {
-        QDBusConnection bus = QDBusConnection::connectToBus(m_address, u"cleanup"_s);
-        for (const QString &name : bus.interface()->registeredServiceNames().value()) {
-            const uint pid = bus.interface()->servicePid(name);
-            if (name.startsWith(u':') && pid != 0 && pid != uint(QCoreApplication::applicationPid()) &&
-                !services.contains(pid)) {
-                services.append(pid);
-            }
-        }
-    }
-    QDBusConnection::disconnectFromBus(u"cleanup"_s);
-    if (GDBusConnection *shared = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr)) {
-        g_dbus_connection_set_exit_on_close(shared, FALSE);
-        g_object_unref(shared);
-    }
-    for (uint pid : std::as_const(services)) {
-        ::kill(pid_t(pid), SIGTERM);
-    }
-    m_bus->terminate();
-    m_bus->waitForFinished();
-    for (uint pid : std::as_const(services)) {
-        QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(u"/proc/"_s + QString::number(pid)), 20000);
-    }
-}
-
 EBookClient *tst_EdsContactStore::book(const QString &uid)
 {
     if (!m_clients.contains(uid)) {
@@ -215,198 +400,6 @@ QString tst_EdsContactStore::addContact(const QString &bookUid, const QByteArray
     const QString result = added ? QString::fromUtf8(uid) : QString();
     g_free(uid);
     return result;
-}
-
-// What the application keeps of a contact EDS hands over: its picture only from a local file, never fetched.
-void tst_EdsContactStore::records_data()
-{
-    QTest::addColumn<QByteArray>("vcard");
-    QTest::addColumn<QByteArray>("photoUri");
-    QTest::addColumn<QByteArray>("photo");
-
-    const QByteArray ana = "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:pas-id-1\r\nN:García;Ana;;;\r\n";
-    const QString picture = m_home->writeFile(u"photo.png"_s, png);
-    const QString fifo = m_home->path() + u"/fifo.png";
-    QVERIFY(::mkfifo(QFile::encodeName(fifo).constData(), 0600) == 0);
-
-    QTest::newRow("kept as a local file") << ana + "END:VCARD\r\n" << QUrl::fromLocalFile(picture).toEncoded() << png;
-    QTest::newRow("elsewhere: not fetched") << ana + "END:VCARD\r\n"
-                                            << QByteArray("http://127.0.0.1:9/photo.png") << QByteArray();
-    QTest::newRow("on another host: not read") << ana + "END:VCARD\r\n"
-                                               << QByteArray("file://elsewhere") + picture.toUtf8() << QByteArray();
-    QTest::newRow("a FIFO is never waited on") << ana + "END:VCARD\r\n"
-                                               << QUrl::fromLocalFile(fifo).toEncoded() << QByteArray();
-    QTest::newRow("the card's own picture wins")
-        << ana + "PHOTO;ENCODING=b;TYPE=PNG:" + png.toBase64() + "\r\nEND:VCARD\r\n"
-        << QByteArray("file:///nonexistent.png") << png;
-    QTest::newRow("not a card") << QByteArray("garbage") << QByteArray() << QByteArray();
-}
-
-void tst_EdsContactStore::records()
-{
-    QFETCH(QByteArray, vcard);
-    QFETCH(QByteArray, photoUri);
-    QFETCH(QByteArray, photo);
-    const std::optional<VCardContact> contact = EdsContactStore::record(personalBook, {u"pas-id-1"_s, vcard, photoUri});
-    QCOMPARE(contact.has_value(), vcard != "garbage");
-    if (contact) {
-        QCOMPARE(contact->identifier, u"eds:system-address-book/pas-id-1"_s);
-        QCOMPARE(contact->familyName, u"García"_s);
-        QCOMPARE(contact->thumbnailImageData, photo);
-    }
-}
-
-// The books are read into the address book beside the vCard folders, and every change in them follows, in order.
-void tst_EdsContactStore::booksReadAndFollowed_data()
-{
-    QTest::addColumn<QString>("change");
-    QTest::addColumn<QStringList>("expected"); // the EDS contacts after it, by their names
-
-    QTest::newRow("both books read") << QString() << QStringList{u"Ana"_s, u"Luis"_s, u"Marta"_s};
-    QTest::newRow("a contact changed") << u"rename Luis"_s << QStringList{u"Ana"_s, u"Lucho"_s, u"Marta"_s};
-    QTest::newRow("a contact removed") << u"remove Ana"_s << QStringList{u"Lucho"_s, u"Marta"_s};
-    QTest::newRow("the book's service restarted, then a contact added")
-        << u"restart, add Eva"_s << QStringList{u"Eva"_s, u"Lucho"_s, u"Marta"_s};
-    QTest::newRow("a book disabled") << u"disable Work"_s << QStringList{u"Eva"_s, u"Lucho"_s};
-}
-
-void tst_EdsContactStore::booksReadAndFollowed()
-{
-    QFETCH(QString, change);
-    QFETCH(QStringList, expected);
-    if (!m_servicesInstalled) {
-        QSKIP("Evolution Data Server's services are not installed (Debian: evolution-data-server, dbus-daemon)");
-    }
-    if (!m_read) {
-        m_read = std::make_unique<AddressBook>();
-    }
-
-    GError *error = nullptr;
-    if (change == u"rename Luis") {
-        EContact *luis = nullptr;
-        QVERIFY(succeeded(
-            e_book_client_get_contact_sync(book(personalBook), m_luis.toUtf8().constData(), &luis, nullptr, &error),
-            error));
-        EContactName *name = e_contact_name_from_string("Lucho Ruiz");
-        e_contact_set(luis, E_CONTACT_NAME, name);
-        e_contact_set(luis, E_CONTACT_FULL_NAME, "Lucho Ruiz");
-        e_contact_name_free(name);
-        const bool modified =
-            e_book_client_modify_contact_sync(book(personalBook), luis, E_BOOK_OPERATION_FLAG_NONE, nullptr, &error);
-        g_object_unref(luis);
-        QVERIFY(succeeded(modified, error));
-    } else if (change == u"remove Ana") {
-        QVERIFY(succeeded(e_book_client_remove_contact_by_uid_sync(book(personalBook), m_ana.toUtf8().constData(),
-                                                                   E_BOOK_OPERATION_FLAG_NONE, nullptr, &error),
-                          error));
-    } else if (change == u"restart, add Eva") {
-        QDBusConnection bus = QDBusConnection::connectToBus(m_address, u"restart"_s);
-        const uint factory = bus.interface()->servicePid(u"org.gnome.evolution.dataserver.AddressBook10"_s);
-        QDBusConnection::disconnectFromBus(u"restart"_s);
-        QVERIFY(factory != 0);
-        QCOMPARE(::kill(pid_t(factory), SIGTERM), 0);
-        QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(u"/proc/"_s + QString::number(factory)), 20000);
-        g_object_unref(m_clients.take(personalBook)); // its connection ended with the service
-        m_eva = addContact(personalBook, card("Eva", "Vidal"));
-        QVERIFY(!m_eva.isEmpty());
-    } else if (change == u"disable Work") {
-        ESource *work = e_source_registry_ref_source(m_registry, m_workBook.toUtf8().constData());
-        e_source_set_enabled(work, FALSE);
-        const bool written = e_source_write_sync(work, nullptr, &error);
-        g_object_unref(work);
-        QVERIFY(succeeded(written, error));
-    }
-
-    auto edsNames = [this] {
-        QStringList names;
-        for (const Contact &contact : m_read->service.allContacts()) {
-            if (contact.id().startsWith(u"eds:")) {
-                names.append(contact.contact().givenName);
-            }
-        }
-        names.sort();
-        return names;
-    };
-    QTRY_COMPARE_WITH_TIMEOUT(edsNames(), expected, 30000);
-    QVERIFY(m_read->service.contact(u"pedro"_s)); // the vCard folder's contact stays throughout
-    if (!change.isEmpty()) {
-        return;
-    }
-    QVERIFY(m_read->eds.isSettled());
-    QCOMPARE(m_read->eds.unavailableReason(), QString());
-    QStringList containers;
-    for (const ContactStore::Container &container : m_read->both.containers().containers) {
-        containers.append(container.identifier + u' ' + container.name);
-    }
-    QCOMPARE(containers.mid(1),
-             (QStringList{u"eds:system-address-book Personal"_s, u"eds:"_s + m_workBook + u" Work"}));
-    // EDS moved Ana's picture into a file of its own, and kept her fax's type list quoted.
-    const std::optional<Contact> ana = m_read->service.contact(personal(m_ana));
-    QVERIFY(ana);
-    QCOMPARE(ana->contact().thumbnailImageData, png);
-    QCOMPARE(ContactLabels::phoneNumbersByLabel(ana->contact()).keys(), QStringList{u"home fax"_s});
-    const std::optional<Contact> luis = m_read->service.findContact(u"+34 600 222 333"_s).contact;
-    QVERIFY(luis);
-    QCOMPARE(luis->id(), personal(m_luis));
-    QCOMPARE(m_read->manager.fetchContact(luis->id())->contact().familyName, u"Ruiz"_s);
-}
-
-// telverra contacts: EDS's books beside the folders when EDS is on the bus, the folders alone and at once when it is
-// not, and only the folder named by --contacts.
-void tst_EdsContactStore::commandLine_data()
-{
-    QTest::addColumn<QString>("bus");
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QStringList>("expected");
-
-    const QString folder = m_home->path() + u"/.local/share/contacts/family";
-    QStringList all{personal(m_luis), personal(m_eva), u"pedro"_s};
-    all.sort();
-    QTest::newRow("EDS on the bus") << u"eds"_s << QStringList() << all;
-    QTest::newRow("a bus without EDS") << u"bare"_s << QStringList() << QStringList{u"pedro"_s};
-    QTest::newRow("no bus") << u"none"_s << QStringList() << QStringList{u"pedro"_s};
-    QTest::newRow("--contacts DIR") << u"eds"_s << QStringList{u"--contacts"_s, folder} << QStringList{u"pedro"_s};
-}
-
-void tst_EdsContactStore::commandLine()
-{
-    QFETCH(QString, bus);
-    QFETCH(QStringList, arguments);
-    QFETCH(QStringList, expected);
-    if (!m_servicesInstalled) {
-        QSKIP("Evolution Data Server's services are not installed (Debian: evolution-data-server, dbus-daemon)");
-    }
-
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    std::unique_ptr<QProcess> bareBus;
-    if (bus == u"bare") {
-        const QString config = m_home->writeFile(
-            u"bare.conf"_s,
-            "<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen><policy "
-            "context=\"default\"><allow send_destination=\"*\"/><allow own=\"*\"/></policy></busconfig>\n");
-        QString address;
-        bareBus = startBus(u"--config-file="_s + config, address);
-        QVERIFY(bareBus);
-        environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, address);
-    } else if (bus == u"none") {
-        environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nonexistent"_s);
-    }
-    QProcess telverra;
-    telverra.setProcessEnvironment(environment);
-    telverra.start(QStringLiteral(TELVERRA_EXECUTABLE), QStringList{u"contacts"_s, u"--json"_s} + arguments);
-    QVERIFY(telverra.waitForFinished(60000));
-    QCOMPARE(telverra.exitCode(), 0);
-    QStringList ids;
-    const QJsonArray listed = QJsonDocument::fromJson(telverra.readAllStandardOutput()).array();
-    for (const QJsonValue &contact : listed) {
-        ids.append(contact.toObject().value(u"id"_s).toString());
-    }
-    ids.sort();
-    QCOMPARE(ids, expected);
-    if (bareBus) {
-        bareBus->terminate();
-        bareBus->waitForFinished();
-    }
 }
 
 QTEST_GUILESS_MAIN(tst_EdsContactStore)
