@@ -5,6 +5,7 @@
 #include "DesktopActivation.h"
 #include "DesktopSearch.h"
 #include "HomeWindowViewModel.h"
+#include "Translations.h"
 #include "WindowActivation.h"
 #include "calls/Clipboard.h"
 #include "contacts/ContactPhotoProvider.h"
@@ -16,6 +17,7 @@
 
 #include "app/SymbolIconProvider.h"
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDirIterator>
 #include <QEventLoop>
@@ -40,9 +42,14 @@ namespace {
 
 const QUrl mainQml(QStringLiteral("qrc:/qt/qml/Telverra/app/Main.qml"));
 
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(CommandLine)
+};
+
 void printError(const QString &text)
 {
-    std::fputs(qPrintable(text + u'\n'), stderr);
+    std::fputs((text + u'\n').toUtf8().constData(), stderr);
 }
 
 void prepareEngine(QQmlEngine &engine)
@@ -257,16 +264,18 @@ int run(int argc, char *argv[])
     // A second start hands its launcher's token to the running window; Qt's X11 platform takes DESKTOP_STARTUP_ID out
     // of the environment when it starts, so it is read first.
     const QVariantMap launcherPlatformData = WindowActivation::platformDataFromEnvironment();
-    if (CommandLine::isCommand(arguments)) {
+    const bool help = arguments.contains(u"--help"_qs) || arguments.contains(u"-h"_qs);
+    if (CommandLine::isCommand(arguments) || help) {
         // No window: a console application, so that commands work without a display.
         QCoreApplication app(argc, argv);
         QCoreApplication::setApplicationName(QStringLiteral("Telverra"));
         QCoreApplication::setApplicationVersion(QStringLiteral(TELVERRA_VERSION));
+        Translations::install();
+        if (help) {
+            std::fputs(CommandLine::helpText().toUtf8().constData(), stdout);
+            return 0;
+        }
         return CommandLine::run(arguments);
-    }
-    if (arguments.contains(u"--help"_qs) || arguments.contains(u"-h"_qs)) {
-        std::fputs(CommandLine::helpText().toUtf8().constData(), stdout);
-        return 0;
     }
     if (arguments.contains(u"--version"_qs) || arguments.contains(u"-v"_qs)) {
         std::puts("Telverra " TELVERRA_VERSION);
@@ -281,9 +290,10 @@ int run(int argc, char *argv[])
     char offscreen[] = "offscreen";
     if (!display) {
         if (!arguments.contains(u"--self-test"_qs) && !arguments.contains(u"--gapplication-service"_qs)) {
-            std::fputs("telverra: no display to show the window on (neither DISPLAY nor WAYLAND_DISPLAY is set).\n"
-                       "The commands work without one: try 'telverra --help'.\n",
-                       stderr);
+            QCoreApplication console(argc, argv);
+            Translations::install();
+            printError(Texts::tr("telverra: no display to show the window on (neither DISPLAY nor WAYLAND_DISPLAY is "
+                                 "set).\nThe commands work without one: try 'telverra --help'."));
             return 1;
         }
         applicationArguments.insert(applicationArguments.begin() + 1, {platformOption, offscreen});
@@ -296,6 +306,8 @@ int run(int argc, char *argv[])
     QGuiApplication::setApplicationVersion(QStringLiteral(TELVERRA_VERSION));
     QGuiApplication::setDesktopFileName(QString::fromLatin1(applicationId));
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/app/org.telverra.Telverra.svg")));
+    // Before the first window and the first message.
+    Translations::install();
     if (qEnvironmentVariableIsEmpty("QT_QUICK_CONTROLS_STYLE")) {
         QQuickStyle::setStyle(QStringLiteral("Fusion"));
     }
@@ -330,7 +342,7 @@ int run(int argc, char *argv[])
     parser.addOption(serviceOption);
     parser.addOption(searchOption);
     if (!parser.parse(arguments)) {
-        std::fprintf(stderr, "telverra: %s\nTry 'telverra --help'.\n", qPrintable(parser.errorText()));
+        printError(Texts::tr("telverra: %1\nTry 'telverra --help'.").arg(parser.errorText()));
         return 2;
     }
     if (parser.isSet(u"version"_qs)) {
@@ -344,7 +356,7 @@ int run(int argc, char *argv[])
     }
     const QString action = parser.value(actionOption);
     if (!action.isEmpty() && !DesktopActivation::actions.contains(action)) {
-        std::fprintf(stderr, "telverra: no action %s\nTry 'telverra --help'.\n", qPrintable(action));
+        printError(Texts::tr("telverra: no action %1\nTry 'telverra --help'.").arg(action));
         return 2;
     }
     // One window: a second start brings the first to the front (and runs its action there).

@@ -46,9 +46,14 @@ void err(const QString &text)
     std::fflush(stderr);
 }
 
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(CommandLine)
+};
+
 int usageError(const QString &message)
 {
-    err(u"telverra: " + message + u"\nTry 'telverra --help'.\n");
+    err(Texts::tr("telverra: %1\nTry 'telverra --help'.").arg(message) + u'\n');
     return 2;
 }
 
@@ -243,7 +248,8 @@ bool isCommand(const QStringList &arguments)
 
 QString helpText()
 {
-    return QStringLiteral(
+    //: The whole of "telverra --help". Command and option names stay as they are; keep the columns aligned.
+    return Texts::tr(
         "Usage: telverra [COMMAND [ARGUMENTS]] [OPTIONS]\n"
         "\n"
         "Without a command, Telverra opens its window.\n"
@@ -286,7 +292,7 @@ int run(const QStringList &arguments)
             json = true;
         } else if (argument == u"--search" || argument == u"--contacts" || argument == u"--info") {
             if (i + 1 >= arguments.size()) {
-                return usageError(argument + u" needs a value");
+                return usageError(Texts::tr("%1 needs a value").arg(argument));
             }
             const QString value = arguments.at(++i);
             if (argument == u"--info") {
@@ -302,7 +308,7 @@ int run(const QStringList &arguments)
             positional += arguments.mid(i + 1);
             break;
         } else if (argument.startsWith(u'-') && command.isEmpty()) {
-            return usageError(u"unknown option " + argument);
+            return usageError(Texts::tr("unknown option %1").arg(argument));
         } else if (command.isEmpty()) {
             command = argument;
         } else {
@@ -310,20 +316,20 @@ int run(const QStringList &arguments)
         }
     }
     if (!launchCommands.contains(command) && !listCommands.contains(command)) {
-        return usageError(u"unknown command " + command);
+        return usageError(Texts::tr("unknown command %1").arg(command));
     }
     const bool takesDestination = LaunchCommand::takesDestination(command);
     if (takesDestination && positional.size() != 1) {
-        return usageError(command + u" takes one destination");
+        return usageError(Texts::tr("%1 takes one destination").arg(command));
     }
     if (!takesDestination && !positional.isEmpty()) {
-        return usageError(command + u" takes no destination");
+        return usageError(Texts::tr("%1 takes no destination").arg(command));
     }
     if ((json || !search.isEmpty()) && !listCommands.contains(command)) {
-        return usageError(QStringLiteral("--json and --search go with recents, favorites and contacts"));
+        return usageError(Texts::tr("--json and --search go with recents, favorites and contacts"));
     }
     if (!search.isEmpty() && command == u"favorites") {
-        return usageError(QStringLiteral("favorites takes no --search"));
+        return usageError(Texts::tr("favorites takes no --search"));
     }
     const QString destination = positional.value(0);
 
@@ -397,7 +403,7 @@ void LaunchCommand::start()
         m_viewModel.makeCallFromDialer();
         if (!m_done) { // the dialer refused the number: nothing was launched
             m_done = true;
-            Q_EMIT finished(1, u"Not a number that can be called: " + m_destination);
+            Q_EMIT finished(1, Texts::tr("Not a number that can be called: %1").arg(m_destination));
         }
         return;
     }
@@ -451,7 +457,7 @@ int CommandService::Launch(const QString &command, const QString &destination, Q
 {
     Q_EMIT used();
     if (!LaunchCommand::isLaunch(command)) {
-        error = u"Unknown command: " + command;
+        error = Texts::tr("Unknown command: %1").arg(command);
         return 2;
     }
     int status = 1;

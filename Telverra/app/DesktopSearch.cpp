@@ -4,6 +4,7 @@
 #include "contacts/ContactPhotoProvider.h"
 #include "contacts/ContactsDataService.h"
 
+#include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusMetaType>
@@ -20,6 +21,11 @@ QString identifierOf(const QStringList &parts)
 }
 
 // "mobile +34 600 111 222"
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(DesktopSearch)
+};
+
 QString labelled(const QString &label, const QString &value)
 {
     return label.isEmpty() ? value : label + u' ' + value;
@@ -260,9 +266,9 @@ KRunnerService::KRunnerService(DesktopSearch &search)
 
 QList<RemoteAction> KRunnerService::Actions()
 {
-    return {{u"call"_qs, u"Call"_qs, iconOf(u"call"_qs)},
-            {u"message"_qs, u"Message"_qs, iconOf(u"message"_qs)},
-            {u"mail"_qs, u"Mail"_qs, iconOf(u"mail"_qs)}};
+    return {{u"call"_qs, Texts::tr("Call"), iconOf(u"call"_qs)},
+            {u"message"_qs, Texts::tr("Message"), iconOf(u"message"_qs)},
+            {u"mail"_qs, Texts::tr("Mail"), iconOf(u"mail"_qs)}};
 }
 
 QList<RemoteMatch> KRunnerService::Match(const QString &query)
@@ -363,8 +369,11 @@ QStringList GnomeSearchProvider::GetSubsearchResultSet(const QStringList &previo
 
 QList<QVariantMap> GnomeSearchProvider::GetResultMetas(const QStringList &identifiers)
 {
-    static const QMap<QString, QString> verbs = {
-        {u"call"_qs, u"Call"_qs}, {u"message"_qs, u"Message"_qs}, {u"mail"_qs, u"Mail"_qs}};
+    //: A result of the desktop's search: %1 is a contact's name, %2 a label and a number or address, "mobile +34 600…"
+    static const QMap<QString, const char *> results = {
+        {u"call"_qs, QT_TRANSLATE_NOOP("DesktopSearch", "Call %1 (%2)")},
+        {u"message"_qs, QT_TRANSLATE_NOOP("DesktopSearch", "Message %1 (%2)")},
+        {u"mail"_qs, QT_TRANSLATE_NOOP("DesktopSearch", "Mail %1 (%2)")}};
     QList<QVariantMap> metas;
     for (const QString &identifier : identifiers.mid(0, DesktopSearchIndex::maximumResults)) {
         const QStringList parts = identifier.left(4096).split(separator);
@@ -374,13 +383,13 @@ QList<QVariantMap> GnomeSearchProvider::GetResultMetas(const QStringList &identi
                                      {u"description"_qs, parts[1]},
                                      {u"gicon"_qs, iconOf(u"open"_qs)},
                                      {u"clipboardText"_qs, parts[1]}});
-        } else if (parts.size() == 5 && verbs.contains(parts[0])) {
+        } else if (parts.size() == 5 && results.contains(parts[0])) {
             // "Call Ana García (mobile +34 600 111 222)"
-            metas.append(QVariantMap{
-                {u"id"_qs, identifier},
-                {u"name"_qs, QString(verbs[parts[0]] + u' ' + parts[4] + u" (" + labelled(parts[2], parts[3]) + u')')},
-                {u"gicon"_qs, iconOf(parts[0])},
-                {u"clipboardText"_qs, parts[3]}});
+            metas.append(
+                QVariantMap{{u"id"_qs, identifier},
+                            {u"name"_qs, Texts::tr(results[parts[0]]).arg(parts[4], labelled(parts[2], parts[3]))},
+                            {u"gicon"_qs, iconOf(parts[0])},
+                            {u"clipboardText"_qs, parts[3]}});
         }
     }
     return metas;

@@ -586,8 +586,9 @@ void HomeWindowViewModel::makeCallFromClipboard()
 {
     if (!m_clipboard->isReadable()) {
         // Dialling what this program last saw there could call the wrong number: nothing is dialled.
-        publishMessage(tr("Telverra can read the clipboard only while its window is in front. Bring the window to "
-                          "the front and try again."));
+        const char *text = QT_TR_NOOP("Telverra can read the clipboard only while its window is in front. Bring the "
+                                      "window to the front and try again.");
+        publishMessage(tr(text), QString::fromUtf8(text));
         return;
     }
     if (const std::optional<QString> text = m_clipboard->plainText()) {
@@ -712,7 +713,7 @@ void HomeWindowViewModel::selectContact(const QString &contactIdentifier)
 
 QString HomeWindowViewModel::contactsPermissionErrorDescription() const
 {
-    return m_contactsPermissionError ? m_contactsPermissionError->description() : QString();
+    return m_contactsPermissionError ? m_contactsPermissionError->localizedDescription() : QString();
 }
 
 void HomeWindowViewModel::moveFavoriteTelco(int from, int to)
@@ -737,12 +738,12 @@ void HomeWindowViewModel::saveFavoriteTelcosOrder()
 
 void HomeWindowViewModel::publishError(const CallsManagerError &error)
 {
-    publishMessage(error.errorDescription());
+    publishMessage(error.localizedDescription(), error.errorDescription());
 }
 
-void HomeWindowViewModel::publishMessage(const QString &text)
+void HomeWindowViewModel::publishMessage(const QString &text, const QString &traced)
 {
-    Trace::line(text);
+    Trace::line(traced);
     m_callManagerErrorMessage = text;
     Q_EMIT callManagerErrorMessageChanged();
     Q_EMIT callManagerErrorPublished(text);

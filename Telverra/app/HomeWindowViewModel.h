@@ -305,8 +305,8 @@ private:
                                    const QString &successTrace);
     void handleMeetingResult(const CallResult &result);
     void publishError(const CallsManagerError &error);
-    /// Shows the text in the window's launch alert (and prints it), as a failed launch does.
-    void publishMessage(const QString &text);
+    /// Shows the text in the window's launch alert, as a failed launch does, and prints `traced`, its English.
+    void publishMessage(const QString &text, const QString &traced);
     void clearDialerState();
 
     Preferences *m_preferences;

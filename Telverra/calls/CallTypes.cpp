@@ -1,5 +1,6 @@
 #include "CallTypes.h"
 
+#include <QCoreApplication>
 #include <QUrl>
 
 #include <array>
@@ -11,29 +12,34 @@ struct CallTypeRow
     CallTypes type;
     const char16_t *raw;
     const char16_t *name;
-    const char16_t *label;
+    const char *label; // English; shown translated
     const char16_t *icon;
     QStringView prefix;
 };
 
 // One row per case, in declaration order; the irregular spellings are what users and stored data already know.
 constexpr std::array<CallTypeRow, callTypesCount> rows{{
-    {CallTypes::telephone, u"telephone", u"telephone", u"Telephone", u"phone.fill", u"tel://"},
-    {CallTypes::facetime, u"facetime", u"facetime", u"Facetime", u"video.fill", u"facetime://"},
-    {CallTypes::facetimeaudio, u"facetime-audio", u"facetimeaudio", u"Facetime Audio", u"waveform.circle.fill",
-     u"facetime-audio://"},
-    {CallTypes::messages, u"messages", u"messages", u"Message", u"message.fill", u"sms:"},
-    {CallTypes::skype, u"skype", u"skype", u"Skype", u"icon_skype", u"skype://?chat"},
-    {CallTypes::slack, u"slack", u"slack", u"Slack", u"minus.circle.fill", u"slack://"},
-    {CallTypes::telegram, u"telegram", u"telegram", u"Telegtram", u"icon_telegram", u"telegtram://"},
-    {CallTypes::mail, u"mail", u"mail", u"Mail", u"envelope.fill", u"mailto:"},
-    {CallTypes::googleMeet, u"meet", u"googleMeet", u"Google Meet", u"icon_googlemeet", MeetingAddresses::googleMeet},
-    {CallTypes::googleMeetNew, u"newMeet", u"googleMeetNew", u"Google Meet", u"icon_googlemeet",
-     MeetingAddresses::googleMeetNew},
-    {CallTypes::zoom, u"zoom", u"zoom", u"Zoom", u"icon_zoom", u""},
-    {CallTypes::webex, u"webex", u"webex", u"Webex", u"icon_webex", u""},
-    {CallTypes::jitsi, u"jitsi", u"jitsi", u"Jitsi", u"minus.circle.fill", u""},
-    {CallTypes::notRecognized, u"not recognized", u"notRecognized", u"", u"minus.circle.fill", u""},
+    {CallTypes::telephone, u"telephone", u"telephone", QT_TRANSLATE_NOOP("CallTypes", "Telephone"), u"phone.fill",
+     u"tel://"},
+    {CallTypes::facetime, u"facetime", u"facetime", QT_TRANSLATE_NOOP("CallTypes", "Facetime"), u"video.fill",
+     u"facetime://"},
+    {CallTypes::facetimeaudio, u"facetime-audio", u"facetimeaudio", QT_TRANSLATE_NOOP("CallTypes", "Facetime Audio"),
+     u"waveform.circle.fill", u"facetime-audio://"},
+    {CallTypes::messages, u"messages", u"messages", QT_TRANSLATE_NOOP("CallTypes", "Message"), u"message.fill",
+     u"sms:"},
+    {CallTypes::skype, u"skype", u"skype", QT_TRANSLATE_NOOP("CallTypes", "Skype"), u"icon_skype", u"skype://?chat"},
+    {CallTypes::slack, u"slack", u"slack", QT_TRANSLATE_NOOP("CallTypes", "Slack"), u"minus.circle.fill", u"slack://"},
+    {CallTypes::telegram, u"telegram", u"telegram", QT_TRANSLATE_NOOP("CallTypes", "Telegtram"), u"icon_telegram",
+     u"telegtram://"},
+    {CallTypes::mail, u"mail", u"mail", QT_TRANSLATE_NOOP("CallTypes", "Mail"), u"envelope.fill", u"mailto:"},
+    {CallTypes::googleMeet, u"meet", u"googleMeet", QT_TRANSLATE_NOOP("CallTypes", "Google Meet"), u"icon_googlemeet",
+     MeetingAddresses::googleMeet},
+    {CallTypes::googleMeetNew, u"newMeet", u"googleMeetNew", QT_TRANSLATE_NOOP("CallTypes", "Google Meet"),
+     u"icon_googlemeet", MeetingAddresses::googleMeetNew},
+    {CallTypes::zoom, u"zoom", u"zoom", QT_TRANSLATE_NOOP("CallTypes", "Zoom"), u"icon_zoom", u""},
+    {CallTypes::webex, u"webex", u"webex", QT_TRANSLATE_NOOP("CallTypes", "Webex"), u"icon_webex", u""},
+    {CallTypes::jitsi, u"jitsi", u"jitsi", QT_TRANSLATE_NOOP("CallTypes", "Jitsi"), u"minus.circle.fill", u""},
+    {CallTypes::notRecognized, u"not recognized", u"notRecognized", "", u"minus.circle.fill", u""},
 }};
 
 const CallTypeRow &row(CallTypes type)
@@ -77,7 +83,8 @@ QString caseName(CallTypes type)
 
 QString label(CallTypes type)
 {
-    return QString::fromUtf16(row(type).label);
+    const char *text = row(type).label;
+    return *text ? QCoreApplication::translate("CallTypes", text) : QString();
 }
 
 QString icon(CallTypes type)

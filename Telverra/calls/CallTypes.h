@@ -50,7 +50,7 @@ std::optional<CallTypes> callTypesFromRawValue(const QString &raw);
 /// The case's name in the code ("googleMeetNew"), used in traces.
 QString caseName(CallTypes type);
 
-/// The label the screens show ("Telegtram", "Facetime Audio", "" for notRecognized).
+/// The label the screens show, in the user's language ("Telegtram", "Facetime Audio", "" for notRecognized).
 QString label(CallTypes type);
 /// A system symbol name ("phone.fill") or an asset image name ("icon_zoom").
 QString icon(CallTypes type);

@@ -119,41 +119,68 @@ SchemeHandler CallsManager::handlerFor(CallTypes type) const
     return m_workspace.handlerFor(prefix.first(qMax(0, prefix.indexOf(u':'))));
 }
 
-QString CallsManager::noApplicationMessage(CallTypes type)
+namespace {
+
+// What is missing and what to install, for each kind of launch; the last names the address's scheme.
+const char *noApplicationText(CallTypes type)
 {
     switch (type) {
     case CallTypes::telephone:
-        return tr("No application on this computer opens phone calls (tel: addresses). Install KDE Connect to call "
-                  "through your phone, or GNOME Calls.");
+        return QT_TRANSLATE_NOOP("CallsManager", "No application on this computer opens phone calls (tel: addresses). "
+                                                 "Install KDE Connect to call through your phone, or GNOME Calls.");
     case CallTypes::messages:
-        return tr("No application on this computer sends text messages (sms: addresses). Install KDE Connect to send "
-                  "them through your phone, or Chats.");
+        return QT_TRANSLATE_NOOP("CallsManager",
+                                 "No application on this computer sends text messages (sms: addresses). Install KDE "
+                                 "Connect to send them through your phone, or Chats.");
     case CallTypes::mail:
-        return tr("No application on this computer writes e-mails (mailto: addresses). Install a mail client such as "
-                  "Thunderbird or Evolution, or choose one as the default for e-mail in the system settings.");
+        return QT_TRANSLATE_NOOP("CallsManager",
+                                 "No application on this computer writes e-mails (mailto: addresses). Install a mail "
+                                 "client such as Thunderbird or Evolution, or choose one as the default for e-mail in "
+                                 "the system settings.");
     case CallTypes::facetime:
     case CallTypes::facetimeaudio:
-        return tr("No application on this computer opens FaceTime calls (facetime: addresses). FaceTime runs on Apple "
-                  "devices only: place a phone call or send a message instead.");
+        return QT_TRANSLATE_NOOP("CallsManager",
+                                 "No application on this computer opens FaceTime calls (facetime: addresses). FaceTime "
+                                 "runs on Apple devices only: place a phone call or send a message instead.");
     default:
-        return tr("No application on this computer opens %1 addresses.").arg(desktopPrefix(type));
+        return QT_TRANSLATE_NOOP("CallsManager", "No application on this computer opens %1 addresses.");
     }
+}
+
+// Only the last of them has a place for the scheme.
+QString withScheme(const QString &text, CallTypes type)
+{
+    return text.contains(u"%1") ? text.arg(CallsManager::desktopPrefix(type)) : text;
+}
+
+const char *const applicationFailedText =
+    QT_TRANSLATE_NOOP("CallsManager", "%1 could not be started to open the address: %2");
+
+} // namespace
+
+QString CallsManager::noApplicationMessage(CallTypes type)
+{
+    return withScheme(tr(noApplicationText(type)), type);
 }
 
 CallsManagerError CallsManager::notOpened(CallTypes type, const OpenFailure &failure)
 {
     if (failure.reason == OpenFailure::Reason::noApplication) {
-        return CallsManagerError::noApplication(noApplicationMessage(type));
+        return CallsManagerError::noApplication(withScheme(QString::fromUtf8(noApplicationText(type)), type),
+                                                noApplicationMessage(type));
     }
     return CallsManagerError::applicationFailed(
-        tr("%1 could not be started to open the address: %2").arg(failure.application, failure.detail));
+        QString::fromUtf8(applicationFailedText).arg(failure.application, failure.detail),
+        tr(applicationFailedText).arg(failure.application, failure.detail));
 }
 
-CallResult CallsManager::launch(CallTypes type, const QString &destination, const QString &failureText)
+CallResult CallsManager::launch(CallTypes type, const QString &destination, const char *failureText,
+                                const QString &shownDestination)
 {
     const std::optional<LaunchAddress> address = LaunchAddress::parse(desktopPrefix(type) + destination);
     if (!address) {
-        return CallResult::failure(CallsManagerError::errorCreatingCall(failureText));
+        return CallResult::failure(CallsManagerError::errorCreatingCall(
+            QString::fromUtf8(failureText).arg(shownDestination), tr(failureText).arg(shownDestination)));
     }
     // Where no application opens the address the launch fails with a message: no one else on this desktop says so.
     if (const std::optional<OpenFailure> failure = m_workspace.open(*address)) {
@@ -172,35 +199,36 @@ QString cleanedUnlessAccount(const QString &destination)
 
 CallResult CallsManager::makePhoneCall(const QString &number)
 {
-    const CallResult result = launch(CallTypes::telephone, cleanNumber(number), u"Error creating call: " + number);
+    const CallResult result =
+        launch(CallTypes::telephone, cleanNumber(number), QT_TR_NOOP("Error creating call: %1"), number);
     return result.isSuccess() ? CallResult::success(number) : result;
 }
 
 CallResult CallsManager::makeFacetimeCall(const QString &destination)
 {
-    const CallResult result =
-        launch(CallTypes::facetime, cleanedUnlessAccount(destination), u"Error creating Facetime call: " + destination);
+    const CallResult result = launch(CallTypes::facetime, cleanedUnlessAccount(destination),
+                                     QT_TR_NOOP("Error creating Facetime call: %1"), destination);
     return result.isSuccess() ? CallResult::success(destination) : result;
 }
 
 CallResult CallsManager::makeFacetimeAudioCall(const QString &destination)
 {
     const CallResult result = launch(CallTypes::facetimeaudio, cleanedUnlessAccount(destination),
-                                     u"Error creating Facetime Audio call: " + destination);
+                                     QT_TR_NOOP("Error creating Facetime Audio call: %1"), destination);
     return result.isSuccess() ? CallResult::success(destination) : result;
 }
 
 CallResult CallsManager::sendMessage(const QString &destination)
 {
     // Messages share the e-mail wording of their failure text.
-    const CallResult result =
-        launch(CallTypes::messages, cleanedUnlessAccount(destination), u"Error creating eMail: " + destination);
+    const CallResult result = launch(CallTypes::messages, cleanedUnlessAccount(destination),
+                                     QT_TR_NOOP("Error creating eMail: %1"), destination);
     return result.isSuccess() ? CallResult::success(destination) : result;
 }
 
 CallResult CallsManager::sendEmail(const QString &address)
 {
-    return launch(CallTypes::mail, address, u"Error creating eMail: " + address);
+    return launch(CallTypes::mail, address, QT_TR_NOOP("Error creating eMail: %1"), address);
 }
 
 CallTypes CallsManager::callTypeForURL(QStringView text)
@@ -223,8 +251,9 @@ CallTypes CallsManager::callTypeForURL(QStringView text)
 void CallsManager::openTelco(const QString &address, const CallCompletion &completion)
 {
     if (callTypeForURL(address) == CallTypes::notRecognized) {
+        const char *text = QT_TR_NOOP("Attempt to open Telco of type: '%1'");
         completion(CallResult::failure(
-            CallsManagerError::invalidTelcoType(u"Attempt to open Telco of type: '" + address + u"'")));
+            CallsManagerError::invalidTelcoType(QString::fromUtf8(text).arg(address), tr(text).arg(address))));
         return;
     }
     openClassified(address);
@@ -338,9 +367,9 @@ void CallsManager::startNewMeeting(CallTypes type, const CallCompletion &complet
         if (!self->lastCallDestinationValue().isEmpty()) {
             completion(CallResult::success(self->lastCallDestinationValue()));
         } else {
-            completion(CallResult::failure(CallsManagerError::errorCreatingTelco(QStringLiteral(
-                "Couldn't find the url for the telco, you might have accidentaly closed the browser. The call will "
-                "not be registered in recents."))));
+            const char *text = QT_TR_NOOP("Couldn't find the url for the telco, you might have accidentaly closed "
+                                          "the browser. The call will not be registered in recents.");
+            completion(CallResult::failure(CallsManagerError::errorCreatingTelco(QString::fromUtf8(text), tr(text))));
         }
     });
     openInBrowser(address);

@@ -91,7 +91,9 @@ public:
     static QString icon(CallTypes type) { return ::icon(type); }
 
 private:
-    CallResult launch(CallTypes type, const QString &destination, const QString &failureText);
+    /// `failureText` (with %1 for `shownDestination`) is the carried text of the failure to make an address.
+    CallResult launch(CallTypes type, const QString &destination, const char *failureText,
+                      const QString &shownDestination);
     static CallsManagerError notOpened(CallTypes type, const OpenFailure &failure);
     void openClassified(const QString &address);
 

@@ -1,22 +1,37 @@
 #include "CallsManagerError.h"
 
+namespace {
+
+const char *prefixedText(CallsManagerError::Case errorCase)
+{
+    switch (errorCase) {
+    case CallsManagerError::Case::invalidNumber:
+        return QT_TRANSLATE_NOOP("CallsManagerError", "Invalid Number used for CallManager API with number: %1");
+    case CallsManagerError::Case::invalidTelcoType:
+        return QT_TRANSLATE_NOOP("CallsManagerError", "Telco not supported: %1");
+    case CallsManagerError::Case::errorCreatingCall:
+        return QT_TRANSLATE_NOOP("CallsManagerError", "Error Creating call in Workspace with number: %1");
+    case CallsManagerError::Case::errorCreatingTelco:
+        return QT_TRANSLATE_NOOP("CallsManagerError", "Error Creating telco in browser: %1");
+    case CallsManagerError::Case::errorCreatingeMail:
+        return QT_TRANSLATE_NOOP("CallsManagerError", "Error Creating eMail: %1");
+    case CallsManagerError::Case::noApplication:
+    case CallsManagerError::Case::applicationFailed:
+        break;
+    }
+    return nullptr; // shown as it stands
+}
+
+} // namespace
+
 QString CallsManagerError::errorDescription() const
 {
-    switch (m_case) {
-    case Case::invalidNumber:
-        return u"Invalid Number used for CallManager API with number: " + m_text;
-    case Case::invalidTelcoType:
-        return u"Telco not supported: " + m_text;
-    case Case::errorCreatingCall:
-        return u"Error Creating call in Workspace with number: " + m_text;
-    case Case::errorCreatingTelco:
-        return u"Error Creating telco in browser: " + m_text;
-    case Case::errorCreatingeMail:
-        return u"Error Creating eMail: " + m_text;
-    case Case::noApplication:
-    case Case::applicationFailed:
-        return m_text;
-    }
-    Q_UNREACHABLE();
-    return m_text;
+    const char *text = prefixedText(m_case);
+    return text ? QString::fromUtf8(text).arg(m_text) : m_text;
+}
+
+QString CallsManagerError::localizedDescription() const
+{
+    const char *text = prefixedText(m_case);
+    return text ? tr(text).arg(m_localizedText) : m_localizedText;
 }

@@ -16,20 +16,32 @@ QString ContactStoreManagerError::id() const
     return {};
 }
 
-QString ContactStoreManagerError::description() const
+const char *ContactStoreManagerError::text() const
 {
     switch (m_case) {
     case Case::fetchError:
-        return u"💥! Error fetching contacts: " + m_underlying;
+        return QT_TR_NOOP("💥! Error fetching contacts: %1");
     case Case::containerError:
-        return u"💥! Error accessing container: " + m_underlying +
-               u". Please go to settings and allow the app to access contacts.";
+        return QT_TR_NOOP("💥! Error accessing container: %1. Please go to settings and allow the app to access "
+                          "contacts.");
     case Case::contactWithContactIDNotFound:
-        return u"💥! Error trying to find contact with specific ContactID: " + m_underlying + u".";
+        return QT_TR_NOOP("💥! Error trying to find contact with specific ContactID: %1.");
     case Case::permissionError:
-        return QStringLiteral("💥! Permission error when attempting to access contact store. Please go to settings and "
-                              "allow the app to access contacts.");
+        return QT_TR_NOOP("💥! Permission error when attempting to access contact store. Please go to settings and "
+                          "allow the app to access contacts.");
     }
     Q_UNREACHABLE();
-    return {};
+    return "";
+}
+
+QString ContactStoreManagerError::description() const
+{
+    const QString text = QString::fromUtf8(this->text());
+    return m_case == Case::permissionError ? text : text.arg(m_underlying);
+}
+
+QString ContactStoreManagerError::localizedDescription() const
+{
+    const QString text = tr(this->text());
+    return m_case == Case::permissionError ? text : text.arg(m_underlying);
 }

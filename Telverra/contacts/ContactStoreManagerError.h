@@ -1,10 +1,13 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
 /// An address-book failure, published for the screens to show.
 class ContactStoreManagerError
 {
+    Q_DECLARE_TR_FUNCTIONS(ContactStoreManagerError)
+
 public:
     enum class Case
     {
@@ -30,7 +33,10 @@ public:
     const QString &underlying() const { return m_underlying; }
     /// The identity used when the error is shown as an alert ("PermisionError" is spelt so on purpose).
     QString id() const;
+    /// In English, as printed.
     QString description() const;
+    /// What the user is shown: the same in their language (the underlying error as it came).
+    QString localizedDescription() const;
 
     friend bool operator==(const ContactStoreManagerError &, const ContactStoreManagerError &) = default;
 
@@ -39,6 +45,8 @@ private:
         : m_case(errorCase)
         , m_underlying(underlying)
     {}
+
+    const char *text() const;
 
     Case m_case;
     QString m_underlying;

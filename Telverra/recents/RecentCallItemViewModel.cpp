@@ -2,6 +2,8 @@
 
 #include "calls/CallTypes.h"
 
+#include <QCoreApplication>
+
 RecentCallItemViewModel::RowKind RecentCallItemViewModel::rowKind(const QString &storedCallType)
 {
     const std::optional<CallTypes> type = callTypesFromRawValue(storedCallType);
@@ -31,10 +33,12 @@ QString RecentCallItemViewModel::relativeDateText(const QDateTime &date, const Q
     const QDate day = date.date();
     const QDate today = now.date();
     if (day == today) {
-        return QStringLiteral("today");
+        //: The day of a call in the history
+        return QCoreApplication::translate("RecentCallItemViewModel", "today");
     }
     if (day == today.addDays(-1)) {
-        return QStringLiteral("yesterday");
+        //: The day of a call in the history
+        return QCoreApplication::translate("RecentCallItemViewModel", "yesterday");
     }
     const QDateTime weekStart = today.addDays(-7).startOfDay();
     if (date <= now && date >= weekStart) {

@@ -224,7 +224,7 @@ void LaunchAtLogin::askPortal(bool enabled)
         QStringLiteral("org.freedesktop.portal.Background"), QStringLiteral("RequestBackground"));
     request << QString() // no parent window
             << QVariantMap{{QStringLiteral("handle_token"), token},
-                           {QStringLiteral("reason"), QStringLiteral("Start Telverra when you log in")},
+                           {QStringLiteral("reason"), tr("Start Telverra when you log in")},
                            {QStringLiteral("autostart"), enabled},
                            {QStringLiteral("commandline"), QStringList{QFileInfo(m_program).fileName()}},
                            {QStringLiteral("dbus-activatable"), false}};
