@@ -291,6 +291,13 @@ error de uso.
     </message>
 </context>
 <context>
+    <name>HomeWindowViewModel</name>
+    <message>
+        <source>Telverra can read the clipboard only while its window is in front. Bring the window to the front and try again.</source>
+        <translation>Telverra solo puede leer el portapapeles mientras su ventana está en primer plano. Traiga la ventana al frente y vuelva a intentarlo.</translation>
+    </message>
+</context>
+<context>
     <name>LaunchAtLogin</name>
     <message>
         <source>Start Telverra when you log in</source>
