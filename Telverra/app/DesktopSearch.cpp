@@ -1,6 +1,7 @@
 #include "DesktopSearch.h"
 
 #include "HomeWindowViewModel.h"
+#include "contacts/ContactLabelNames.h"
 #include "contacts/ContactPhotoProvider.h"
 #include "contacts/ContactsDataService.h"
 
@@ -28,7 +29,7 @@ struct Texts
 
 QString labelled(const QString &label, const QString &value)
 {
-    return label.isEmpty() ? value : label + u' ' + value;
+    return label.isEmpty() ? value : ContactLabels::displayName(label) + u' ' + value;
 }
 
 // The freedesktop icon names of the launches.

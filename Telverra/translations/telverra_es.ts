@@ -244,6 +244,49 @@ error de uso.
     </message>
 </context>
 <context>
+    <name>ContactLabels</name>
+    <message>
+        <source>mobile</source>
+        <translation>móvil</translation>
+    </message>
+    <message>
+        <source>iPhone</source>
+        <translation>iPhone</translation>
+    </message>
+    <message>
+        <source>main</source>
+        <translation>principal</translation>
+    </message>
+    <message>
+        <source>home fax</source>
+        <translation>fax de casa</translation>
+    </message>
+    <message>
+        <source>work fax</source>
+        <translation>fax del trabajo</translation>
+    </message>
+    <message>
+        <source>other fax</source>
+        <translation>otro fax</translation>
+    </message>
+    <message>
+        <source>pager</source>
+        <translation>buscapersonas</translation>
+    </message>
+    <message>
+        <source>home</source>
+        <translation>casa</translation>
+    </message>
+    <message>
+        <source>work</source>
+        <translation>trabajo</translation>
+    </message>
+    <message>
+        <source>other</source>
+        <translation>otro</translation>
+    </message>
+</context>
+<context>
     <name>ContactStoreManagerError</name>
     <message>
         <source>💥! Error fetching contacts: %1</source>
