@@ -103,7 +103,7 @@ void takeScreenshots(QQmlApplicationEngine &engine, HomeWindowViewModel &viewMod
         {"favorites", [&viewModel] { viewModel.setIsFavoritesShown(true); }},
         {"link-editor", [window] { QMetaObject::invokeMethod(window, "openLinkEditor"); }},
         {"settings", [window] { QMetaObject::invokeMethod(window, "openSettings"); },
-         QStringLiteral("Telverra Settings")},
+         QCoreApplication::translate("SettingsView", "Telverra Settings")},
     });
     auto next = std::make_shared<std::function<void(int)>>();
     *next = [=](int index) {
