@@ -98,25 +98,25 @@ ApplicationWindow {
         sourceComponent: ActionMenuBar {
         Menu {
             objectName: "viewMenu"
-            title: "&View"
+            title: qsTr("&View")
             delegate: ActionMenuItem {}
-            Action { text: "Toggle sidebar"; shortcut: "Ctrl+0"; onTriggered: window.sidebarShown = !window.sidebarShown }
-            Action { text: "Update weather info"; shortcut: "Ctrl+Shift+W"; onTriggered: window.viewModel.updateWeatherInfo() }
+            Action { text: qsTr("Toggle sidebar"); shortcut: "Ctrl+0"; onTriggered: window.sidebarShown = !window.sidebarShown }
+            Action { text: qsTr("Update weather info"); shortcut: "Ctrl+Shift+W"; onTriggered: window.viewModel.updateWeatherInfo() }
             MenuSeparator {}
-            Action { text: "iPhone"; shortcut: "Ctrl+1"; onTriggered: window.viewModel.isDialerShown = true }
-            Action { text: "Recents"; shortcut: "Ctrl+2"; onTriggered: window.viewModel.isRecentsShown = true }
-            Action { text: "Favorites"; shortcut: "Ctrl+3"; onTriggered: window.viewModel.isFavoritesShown = true }
-            Action { text: "Contacts"; shortcut: "Ctrl+4"; onTriggered: window.viewModel.isContactsShown = true }
+            Action { text: qsTr("iPhone"); shortcut: "Ctrl+1"; onTriggered: window.viewModel.isDialerShown = true }
+            Action { text: qsTr("Recents"); shortcut: "Ctrl+2"; onTriggered: window.viewModel.isRecentsShown = true }
+            Action { text: qsTr("Favorites"); shortcut: "Ctrl+3"; onTriggered: window.viewModel.isFavoritesShown = true }
+            Action { text: qsTr("Contacts"); shortcut: "Ctrl+4"; onTriggered: window.viewModel.isContactsShown = true }
         }
         Menu {
             objectName: "callMenu"
-            title: "&Call"
+            title: qsTr("&Call")
             delegate: ActionMenuItem {}
-            Action { text: "Make call from dialpad"; shortcut: "Ctrl+Return"; onTriggered: window.viewModel.makeCallFromDialer() }
-            Action { text: "Clear display"; shortcut: "Ctrl+Backspace"; onTriggered: window.viewModel.clearDialer() }
+            Action { text: qsTr("Make call from dialpad"); shortcut: "Ctrl+Return"; onTriggered: window.viewModel.makeCallFromDialer() }
+            Action { text: qsTr("Clear display"); shortcut: "Ctrl+Backspace"; onTriggered: window.viewModel.clearDialer() }
             MenuSeparator {}
-            Action { text: "Make call from clipboard"; shortcut: "Ctrl+Shift+V"; onTriggered: window.viewModel.makeCallFromClipboard() }
-            Action { text: "Create new Google Meet call"; shortcut: "Ctrl+Shift+G"; onTriggered: window.viewModel.startNewGoogleMeet() }
+            Action { text: qsTr("Make call from clipboard"); shortcut: "Ctrl+Shift+V"; onTriggered: window.viewModel.makeCallFromClipboard() }
+            Action { text: qsTr("Create new Google Meet call"); shortcut: "Ctrl+Shift+G"; onTriggered: window.viewModel.startNewGoogleMeet() }
         }
         }
     }
@@ -132,7 +132,7 @@ ApplicationWindow {
             anchors.rightMargin: 6
             ActionToolButton {
                 objectName: "toggleSidebar"
-                Accessible.name: "Toggle sidebar"
+                Accessible.name: qsTr("Toggle sidebar")
                 contentItem: SymbolIcon { name: "sidebar.left"; size: 22 }
                 onClicked: window.sidebarShown = !window.sidebarShown
             }
@@ -230,7 +230,7 @@ ApplicationWindow {
             parent: Overlay.overlay
             anchors.centerIn: parent
             modal: true
-            title: "Error trying to launch call"
+            title: qsTr("Error trying to launch call")
             standardButtons: Dialog.Ok
             // A fixed width keeps the wrapped text from feeding back into the dialog's own size.
             width: Math.min(460, window.width * 0.8)
@@ -240,7 +240,7 @@ ApplicationWindow {
                 wrapMode: Text.Wrap
                 width: alert.availableWidth
             }
-            Component.onCompleted: standardButton(Dialog.Ok).text = "Ok"
+            Component.onCompleted: standardButton(Dialog.Ok).text = qsTr("Ok")
         }
     }
 }

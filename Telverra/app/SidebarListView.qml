@@ -28,7 +28,7 @@ Pane {
         spacing: 2
 
         Label {
-            text: "Tools"
+            text: qsTr("Tools")
             font.bold: true
             font.pixelSize: 12
             color: sidebar.palette.placeholderText
@@ -39,10 +39,10 @@ Pane {
         Repeater {
             id: entries
             model: [
-                { section: "dialer", label: "iPhone", symbol: "menubar.dock.rectangle" },
-                { section: "recents", label: "Recents", symbol: "list.dash" },
-                { section: "favorites", label: "Favorites", symbol: "heart.fill" },
-                { section: "contacts", label: "Contacts", symbol: "person.circle.fill" }
+                { section: "dialer", label: qsTr("iPhone"), symbol: "menubar.dock.rectangle" },
+                { section: "recents", label: qsTr("Recents"), symbol: "list.dash" },
+                { section: "favorites", label: qsTr("Favorites"), symbol: "heart.fill" },
+                { section: "contacts", label: qsTr("Contacts"), symbol: "person.circle.fill" }
             ]
             delegate: ActionDelegate {
                 id: entry
@@ -89,9 +89,9 @@ Pane {
         ActionToolButton {
             id: gear
             objectName: "configurationMenuButton"
-            Accessible.name: "Configuration"
+            Accessible.name: qsTr("Configuration")
             ToolTip.visible: hovered
-            ToolTip.text: "Configuration"
+            ToolTip.text: qsTr("Configuration")
             contentItem: SymbolIcon { name: "gear"; size: 26 }
             onClicked: configurationMenu.open()
 
@@ -100,12 +100,12 @@ Pane {
                 objectName: "configurationMenu"
                 y: -height
                 ActionMenuItem {
-                    text: "Configuration"
+                    text: qsTr("Configuration")
                     icon.source: "image://symbols/gear?color=" + String(sidebar.palette.windowText).substring(1)
                     onTriggered: sidebar.settingsRequested()
                 }
                 ActionMenuItem {
-                    text: "Quit app"
+                    text: qsTr("Quit app")
                     icon.source: "image://symbols/gear?color=" + String(sidebar.palette.windowText).substring(1)
                     onTriggered: Qt.exit(0)
                 }

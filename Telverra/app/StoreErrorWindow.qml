@@ -11,7 +11,7 @@ ApplicationWindow {
     required property string storeFile
     required property string error
 
-    title: "Telverra cannot open its history"
+    title: qsTr("Telverra cannot open its history")
     width: 600
     height: content.implicitHeight + 40
     minimumWidth: 420
@@ -35,7 +35,7 @@ ApplicationWindow {
             }
             Label {
                 Layout.fillWidth: true
-                text: "Telverra cannot open its history"
+                text: qsTr("Telverra cannot open its history")
                 font.pixelSize: 18
                 font.bold: true
                 wrapMode: Text.Wrap
@@ -43,7 +43,7 @@ ApplicationWindow {
         }
         Label {
             Layout.fillWidth: true
-            text: "The file that keeps your call history and favourites could not be opened:"
+            text: qsTr("The file that keeps your call history and favourites could not be opened:")
             wrapMode: Text.Wrap
         }
         TextField {
@@ -52,7 +52,7 @@ ApplicationWindow {
             text: window.storeFile
             readOnly: true
             selectByMouse: true
-            Accessible.name: "Store file"
+            Accessible.name: qsTr("Store file")
         }
         Label {
             objectName: "storeError"
@@ -63,20 +63,20 @@ ApplicationWindow {
         }
         Label {
             Layout.fillWidth: true
-            text: "Nothing was changed or deleted: the file is exactly as it was."
+            text: qsTr("Nothing was changed or deleted: the file is exactly as it was.")
             wrapMode: Text.Wrap
         }
         Label {
             Layout.fillWidth: true
-            text: "To start with an empty history, move the file aside (for example, rename it to "
-                  + "Telverra.sqlite.damaged) and start Telverra again. Keep the moved file if you want to recover it."
+            text: qsTr("To start with an empty history, move the file aside (for example, rename it to "
+                       + "Telverra.sqlite.damaged) and start Telverra again. Keep the moved file if you want to recover it.")
             wrapMode: Text.Wrap
         }
         ActionButton {
             id: quit
             Layout.alignment: Qt.AlignRight
-            text: "Quit"
-            Accessible.name: "Quit"
+            text: qsTr("Quit")
+            Accessible.name: qsTr("Quit")
             focus: true
             onClicked: window.close()
             Keys.onReturnPressed: window.close()

@@ -9,7 +9,7 @@ ActionToolButton {
     required property var viewModel
 
     objectName: "toolbarPopupMenu"
-    Accessible.name: "Launch"
+    Accessible.name: qsTr("Launch")
     contentItem: SymbolIcon { name: "video.bubble.left.fill"; size: 22 }
     onClicked: menu.open()
 
@@ -18,12 +18,12 @@ ActionToolButton {
         objectName: "launchMenu"
         y: button.height
         ActionMenuItem {
-            text: "New Google Meet"
+            text: qsTr("New Google Meet")
             icon.source: "image://symbols/video.bubble.left.fill?color=" + String(button.palette.windowText).substring(1)
             onTriggered: button.viewModel.startNewGoogleMeet()
         }
         ActionMenuItem {
-            text: "Call from clipboard"
+            text: qsTr("Call from clipboard")
             icon.source: "image://symbols/doc.on.clipboard?color=" + String(button.palette.windowText).substring(1)
             onTriggered: button.viewModel.makeCallFromClipboard()
         }

@@ -66,8 +66,8 @@ FocusScope {
                 id: search
                 objectName: "contactsSearch"
                 Layout.fillWidth: true
-                placeholderText: "Search contacts"
-                Accessible.name: "Search contacts"
+                placeholderText: qsTr("Search contacts")
+                Accessible.name: qsTr("Search contacts")
                 text: view.viewModel.searchTextForContacts
                 onTextChanged: if (text !== view.viewModel.searchTextForContacts) view.viewModel.searchTextForContacts = text
                 Keys.onEscapePressed: text = ""
@@ -80,7 +80,7 @@ FocusScope {
                 checkable: true
                 checked: view.showAlphabetNavigationMenu
                 onToggled: view.showAlphabetNavigationMenu = checked
-                Accessible.name: checked ? "Hide the alphabet index" : "Show the alphabet index"
+                Accessible.name: checked ? qsTr("Hide the alphabet index") : qsTr("Show the alphabet index")
                 ToolTip.visible: hovered
                 ToolTip.text: Accessible.name
                 contentItem: SymbolIcon { name: "textformat.abc"; size: 20 }
@@ -107,7 +107,7 @@ FocusScope {
                 highlightMoveDuration: 0
                 keyNavigationEnabled: true
                 Accessible.role: Accessible.List
-                Accessible.name: "Contacts"
+                Accessible.name: qsTr("Contacts")
                 ScrollBar.vertical: ActionScrollBar { policy: ScrollBar.AsNeeded }
                 delegate: ContactsCellView {
                     viewModel: view.viewModel
@@ -126,7 +126,8 @@ FocusScope {
                     font.bold: true
                     color: view.palette.highlight
                     Accessible.role: Accessible.Heading
-                    Accessible.name: "Section " + section
+                    //: A heading of the contact list: the letter the names below it begin with
+                    Accessible.name: qsTr("Section %1").arg(section)
                 }
             }
 
@@ -152,7 +153,8 @@ FocusScope {
                         bottomPadding: 0
                         focusPolicy: Qt.NoFocus
                         Accessible.role: Accessible.Link
-                        Accessible.name: "Go to " + modelData
+                        //: A letter of the alphabet index beside the contact list
+                        Accessible.name: qsTr("Go to %1").arg(modelData)
                         contentItem: Label {
                             text: letterButton.modelData
                             font.pixelSize: Math.min(11, alphabet.letterHeight - 2)
@@ -170,7 +172,7 @@ FocusScope {
 
         Label {
             objectName: "contactsCount"
-            text: view.contacts.contactCount + " contacts"
+            text: qsTr("%n contacts", "", view.contacts.contactCount)
             color: view.palette.placeholderText
         }
     }
@@ -188,7 +190,7 @@ FocusScope {
             Layout.alignment: Qt.AlignHCenter
             visible: parent.reading
             running: visible
-            Accessible.name: "Reading the address book"
+            Accessible.name: qsTr("Reading the address book")
         }
         SymbolIcon {
             Layout.alignment: Qt.AlignHCenter
@@ -204,8 +206,8 @@ FocusScope {
             font.pixelSize: 18
             font.bold: true
             wrapMode: Text.Wrap
-            text: parent.reading ? "Reading your address book…"
-                                 : view.searching && view.service.count > 0 ? "No contacts match" : "No contacts yet"
+            text: parent.reading ? qsTr("Reading your address book…")
+                                 : view.searching && view.service.count > 0 ? qsTr("No contacts match") : qsTr("No contacts yet")
         }
         Label {
             Layout.fillWidth: true
@@ -214,10 +216,10 @@ FocusScope {
             color: view.palette.placeholderText
             visible: !parent.reading
             text: view.searching && view.service.count > 0
-                  ? "Nobody in your address book has “" + view.viewModel.searchTextForContacts + "” in their name."
-                  : "Telverra reads vCard folders: the address books in khard's configuration, "
-                    + "~/.local/share/contacts and ~/.local/share/kpeoplevcard (where KDE Connect keeps a phone's "
-                    + "contacts). Put .vcf files in a folder there, or start Telverra with --contacts DIR to read another folder."
+                  ? qsTr("Nobody in your address book has “%1” in their name.").arg(view.viewModel.searchTextForContacts)
+                  : qsTr("Telverra reads vCard folders: the address books in khard's configuration, "
+                         + "~/.local/share/contacts and ~/.local/share/kpeoplevcard (where KDE Connect keeps a phone's "
+                         + "contacts). Put .vcf files in a folder there, or start Telverra with --contacts DIR to read another folder.")
         }
     }
 
@@ -225,7 +227,7 @@ FocusScope {
         id: contactMenu
         objectName: "contactMenu"
         ActionMenuItem {
-            text: "Add to favorites"
+            text: qsTr("Add to favorites")
             icon.source: "image://symbols/star.fill?color=" + String(view.palette.windowText).substring(1)
             onTriggered: view.viewModel.addContactToFavoritesById(view.menuContact)
         }
@@ -236,7 +238,7 @@ FocusScope {
         objectName: "contactsPermissionAlert"
         anchors.centerIn: parent
         modal: true
-        title: "Contacts Permission Denied"
+        title: qsTr("Contacts Permission Denied")
         standardButtons: Dialog.Ok
         width: Math.min(460, view.width * 0.8)
         Label {

@@ -34,8 +34,8 @@ ActionDelegate {
     readonly property var actionSymbols: ({ "telephone": "phone.circle.fill", "messages": "message.circle.fill",
                                             "mail": "envelope.circle.fill", "facetime": "video.circle.fill",
                                             "facetime-audio": "waveform.circle.fill" })
-    readonly property var actionNames: ({ "telephone": "Call", "messages": "Message", "mail": "Mail",
-                                          "facetime": "FaceTime", "facetime-audio": "FaceTime audio" })
+    readonly property var actionNames: ({ "telephone": qsTr("Call"), "messages": qsTr("Message"), "mail": qsTr("Mail"),
+                                          "facetime": qsTr("FaceTime"), "facetime-audio": qsTr("FaceTime audio") })
 
     objectName: "contact-" + index
     width: ListView.view ? ListView.view.width : implicitWidth
@@ -124,12 +124,13 @@ ActionDelegate {
                         Keys.onReturnPressed: clicked()
                         Keys.onEnterPressed: clicked()
                         Accessible.role: Accessible.Button
-                        Accessible.name: cell.actionNames[modelData] + " " + cell.name
+                        //: An action on a contact, then the contact's name: "Call Ana Pérez"
+                        Accessible.name: qsTr("%1 %2").arg(cell.actionNames[modelData]).arg(cell.name)
                         Accessible.description: available ? "" : ToolTip.text
                         ToolTip.visible: hovered
                         ToolTip.delay: 600
                         ToolTip.text: available ? cell.actionNames[modelData]
-                                                : (modelData === "mail" ? "No e-mail address" : "No phone number")
+                                                : (modelData === "mail" ? qsTr("No e-mail address") : qsTr("No phone number"))
                         contentItem: SymbolIcon {
                             name: cell.actionSymbols[action.modelData]
                             size: 20
@@ -167,9 +168,9 @@ ActionDelegate {
             }
             ActionButton {
                 objectName: "cancelChoice"
-                text: "Cancel"
+                text: qsTr("Cancel")
                 flat: true
-                Accessible.name: "Cancel"
+                Accessible.name: qsTr("Cancel")
                 onClicked: cell.collapse()
             }
         }

@@ -14,12 +14,12 @@ Rectangle {
     border.width: 1
     border.color: tag.palette.mid
     Accessible.role: Accessible.StaticText
-    Accessible.name: tag.key.text + " " + tag.key.number
+    Accessible.name: qsTranslate("ContactLabels", tag.key.text) + " " + tag.key.number
 
     Label {
         id: text
         anchors.centerIn: parent
-        text: tag.key.text + "  " + tag.key.number
+        text: qsTranslate("ContactLabels", tag.key.text) + "  " + tag.key.number
         font.pixelSize: 11
         font.weight: Font.Light
         color: tag.palette.placeholderText

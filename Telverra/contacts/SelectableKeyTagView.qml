@@ -16,7 +16,7 @@ ActionControl {
     implicitHeight: content.implicitHeight + 8
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.Button
-    Accessible.name: key.text + " " + key.number
+    Accessible.name: qsTranslate("ContactLabels", key.text) + " " + key.number
 
     background: Rectangle {
         radius: 8
@@ -29,7 +29,7 @@ ActionControl {
         id: content
         spacing: 0
         Label {
-            text: chip.key.text
+            text: qsTranslate("ContactLabels", chip.key.text)
             font.pixelSize: 10
             font.weight: Font.Light
             color: chip.selected ? "white" : (chip.dark ? "#f2a33a" : "#c46a00")

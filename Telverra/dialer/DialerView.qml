@@ -35,8 +35,8 @@ Item {
                 horizontalAlignment: TextInput.AlignHCenter
                 font.pixelSize: 24
                 background: null
-                placeholderText: "number"
-                Accessible.name: "Number"
+                placeholderText: qsTr("number")
+                Accessible.name: qsTr("Number")
                 text: dialerView.dialer.display
                 onTextEdited: dialerView.viewModel.validateDialerDisplay(text)
                 onAccepted: dialerView.viewModel.makeCallFromDialer()
@@ -46,7 +46,7 @@ Item {
         Label {
             objectName: "invalidNumberWarning"
             Layout.alignment: Qt.AlignHCenter
-            text: "invalid number"
+            text: qsTr("invalid number")
             color: "orange"
             font.pixelSize: 12
             opacity: dialerView.dialer.isInvalidNumber && dialerView.dialer.display.length > 0 ? 1 : 0
@@ -54,7 +54,7 @@ Item {
         Label {
             objectName: "invalidClipboardWarning"
             Layout.alignment: Qt.AlignHCenter
-            text: "invalid URL on Clipboard"
+            text: qsTr("invalid URL on Clipboard")
             color: "orange"
             font.pixelSize: 12
             opacity: dialerView.dialer.isInvalidNumberFromClipBoard && dialerView.dialer.display.length > 0 ? 1 : 0
@@ -82,7 +82,7 @@ Item {
 
             ActionButton {
                 objectName: "clipboardButton"
-                Accessible.name: "Call from clipboard"
+                Accessible.name: qsTr("Call from clipboard")
                 focusPolicy: Qt.NoFocus
                 Layout.preferredWidth: 60
                 Layout.preferredHeight: 60
@@ -92,7 +92,7 @@ Item {
             }
             ActionButton {
                 objectName: "callButton"
-                Accessible.name: "Call"
+                Accessible.name: qsTr("Call")
                 focusPolicy: Qt.NoFocus
                 Layout.preferredWidth: 60
                 Layout.preferredHeight: 60
@@ -109,7 +109,7 @@ Item {
             }
             ActionButton {
                 objectName: "deleteButton"
-                Accessible.name: "Delete"
+                Accessible.name: qsTr("Delete")
                 focusPolicy: Qt.NoFocus
                 Layout.preferredWidth: 60
                 Layout.preferredHeight: 60

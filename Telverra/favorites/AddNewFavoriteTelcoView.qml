@@ -53,13 +53,13 @@ ActionDialog {
     contentItem: ColumnLayout {
         spacing: 10
         Label {
-            text: "Add a new favorite telco"
+            text: qsTr("Add a new favorite telco")
             font.pixelSize: 22
             font.bold: true
         }
         Label {
             Layout.fillWidth: true
-            text: "save a telco with a name and a URL for easy access later"
+            text: qsTr("save a telco with a name and a URL for easy access later")
             font.pixelSize: 13
             wrapMode: Text.Wrap
             color: sheet.palette.placeholderText
@@ -69,8 +69,8 @@ ActionDialog {
             objectName: "telcoName"
             Layout.fillWidth: true
             implicitHeight: 30
-            placeholderText: "name"
-            Accessible.name: "name"
+            placeholderText: qsTr("name")
+            Accessible.name: qsTr("name")
             font.pixelSize: 15
             focus: true
             onTextEdited: sheet.nameEdited = true
@@ -89,8 +89,8 @@ ActionDialog {
             objectName: "telcoURL"
             Layout.fillWidth: true
             implicitHeight: 30
-            placeholderText: "URL "
-            Accessible.name: "URL"
+            placeholderText: qsTr("URL ")
+            Accessible.name: qsTr("URL")
             font.pixelSize: 15
             onTextEdited: sheet.urlEdited = true
             background: Rectangle {
@@ -109,15 +109,15 @@ ActionDialog {
         // Declared in the order they stand, which is the order Tab takes.
         ActionButton {
             objectName: "addTelco"
-            text: "Add Telco"
-            Accessible.name: "Add Telco"
+            text: qsTr("Add Telco")
+            Accessible.name: qsTr("Add Telco")
             highlighted: true
             DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
         }
         ActionButton {
             objectName: "cancelTelco"
-            text: "Cancel"
-            Accessible.name: "Cancel"
+            text: qsTr("Cancel")
+            Accessible.name: qsTr("Cancel")
             DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
         }
     }

@@ -38,7 +38,7 @@ Item {
     }
     function confirmTelcoRemoval(row, name) {
         removal = row
-        removeConfirmation.text = "Remove “" + name + "” from your favorites?"
+        removeConfirmation.text = qsTr("Remove “%1” from your favorites?").arg(name)
         removeConfirmation.open()
     }
     function editTelco(row) {
@@ -93,7 +93,8 @@ Item {
         Label {
             objectName: "count"
             visible: parent.counted
-            text: "total of " + parent.count
+            //: How many favourite contacts or meeting links there are
+            text: qsTr("total of %n", "", parent.count)
             color: view.palette.placeholderText
             Layout.alignment: Qt.AlignBaseline
         }
@@ -118,7 +119,7 @@ Item {
 
             SectionHeader {
                 objectName: "contactsHeader"
-                title: "Contacts"
+                title: qsTr("Contacts")
                 count: view.contacts.contactCount
             }
             ListView {
@@ -141,18 +142,18 @@ Item {
             Label {
                 objectName: "contactsHint"
                 visible: view.contacts.contactCount === 0
-                text: "Add contacts from the Contacts screen or the history."
+                text: qsTr("Add contacts from the Contacts screen or the history.")
                 color: view.palette.placeholderText
             }
 
             SectionHeader {
                 objectName: "telcosHeader"
-                title: "Telcos"
+                title: qsTr("Telcos")
                 count: view.telcos.count
                 Item { Layout.fillWidth: true }
                 ActionToolButton {
                     objectName: "addTelco"
-                    Accessible.name: "Add a meeting link"
+                    Accessible.name: qsTr("Add a meeting link")
                     ToolTip.visible: hovered
                     ToolTip.text: Accessible.name
                     contentItem: SymbolIcon { name: "plus"; size: 20 }
@@ -188,13 +189,13 @@ Item {
             Label {
                 objectName: "telcosHint"
                 visible: view.telcos.count === 0
-                text: "Add a meeting link with +"
+                text: qsTr("Add a meeting link with +")
                 color: view.palette.placeholderText
             }
 
             SectionHeader {
                 objectName: "actionsHeader"
-                title: "Actions"
+                title: qsTr("Actions")
                 counted: false
             }
         }
@@ -204,7 +205,7 @@ Item {
         id: contactMenu
         objectName: "favoriteContactMenu"
         ActionMenuItem {
-            text: "Remove from Favorites"
+            text: qsTr("Remove from Favorites")
             icon.source: "image://symbols/trash.fill?color=" + String(view.palette.windowText).substring(1)
             onTriggered: {
                 view.viewModel.favoritesDataService.removeFavoriteContact(view.menuContact)
@@ -216,18 +217,18 @@ Item {
         id: telcoMenu
         objectName: "telcoMenu"
         ActionMenuItem {
-            text: "Copy Value to clipboard"
+            text: qsTr("Copy Value to clipboard")
             icon.source: "image://symbols/doc.on.doc.fill?color=" + String(view.palette.windowText).substring(1)
             onTriggered: view.viewModel.copyValueToClipboard(telcoList.itemAtIndex(view.menuTelco).value)
         }
         ActionMenuItem {
-            text: "Edit favorite"
+            text: qsTr("Edit favorite")
             icon.source: "image://symbols/pencil.circle.fill?color=" + String(view.palette.windowText).substring(1)
             onTriggered: view.editTelco(view.menuTelco)
         }
         MenuSeparator {}
         ActionMenuItem {
-            text: "Remove from Favorites"
+            text: qsTr("Remove from Favorites")
             icon.source: "image://symbols/trash.fill?color=" + String(view.palette.windowText).substring(1)
             onTriggered: view.telcos.removeAt(view.menuTelco)
         }
@@ -244,12 +245,12 @@ Item {
         property alias text: question.text
         anchors.centerIn: parent
         modal: true
-        title: "Remove from Favorites"
+        title: qsTr("Remove from Favorites")
         standardButtons: Dialog.Cancel | Dialog.Ok
         // A fixed width keeps the wrapped question from feeding back into the dialog's own size.
         width: Math.min(460, view.width * 0.8)
         Label { id: question; wrapMode: Text.Wrap; width: removeConfirmation.availableWidth }
-        Component.onCompleted: standardButton(Dialog.Ok).text = "Remove"
+        Component.onCompleted: standardButton(Dialog.Ok).text = qsTr("Remove")
         onAccepted: view.telcos.removeAt(view.removal)
     }
 }

@@ -76,18 +76,18 @@ ActionDelegate {
         id: contextMenu
         objectName: "recentMenu"
         ActionMenuItem {
-            text: "Add to favorites"
+            text: qsTr("Add to favorites")
             icon.source: "image://symbols/star.fill?color=" + String(cell.palette.windowText).substring(1)
             onTriggered: cell.viewModel.addRecentToFavoritesAt(cell.index)
         }
         ActionMenuItem {
-            text: "Copy Value to clipboard"
+            text: qsTr("Copy Value to clipboard")
             icon.source: "image://symbols/doc.on.doc.fill?color=" + String(cell.palette.windowText).substring(1)
             onTriggered: cell.viewModel.copyRecentValueAt(cell.index)
         }
         MenuSeparator {}
         ActionMenuItem {
-            text: "Remove from history"
+            text: qsTr("Remove from history")
             icon.source: "image://symbols/trash.circle.fill?color=" + String(cell.palette.windowText).substring(1)
             onTriggered: cell.viewModel.removeRecentAt(cell.index)
         }

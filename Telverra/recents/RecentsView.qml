@@ -23,20 +23,20 @@ Item {
                 id: search
                 objectName: "recentsSearch"
                 Layout.fillWidth: true
-                placeholderText: "search..."
-                Accessible.name: "Search the history"
+                placeholderText: qsTr("search...")
+                Accessible.name: qsTr("Search the history")
                 Accessible.description: placeholderText
                 text: recentsView.viewModel.searchTextForRecents
                 onTextChanged: if (text !== recentsView.viewModel.searchTextForRecents) recentsView.viewModel.searchTextForRecents = text
             }
             Label {
                 objectName: "recentsCount"
-                text: recentsView.viewModel.recentCallsModel.count + " entries"
+                text: qsTr("%n entries", "", recentsView.viewModel.recentCallsModel.count)
                 color: recentsView.palette.placeholderText
             }
             ActionToolButton {
                 objectName: "refreshRecents"
-                Accessible.name: "Reload"
+                Accessible.name: qsTr("Reload")
                 contentItem: SymbolIcon { name: "arrow.clockwise"; size: 18 }
                 onClicked: recentsView.viewModel.refreshRecents()
             }

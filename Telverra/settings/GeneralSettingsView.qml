@@ -29,21 +29,21 @@ ScrollView {
         width: parent.width
         spacing: 4
 
-        Heading { text: "Tools Options:" }
+        Heading { text: qsTr("Tools Options:") }
         PreferenceSwitch {
             preferences: general.preferences
             key: "useChromeAsDefaultBrowser"
-            text: "Use Chrome as default browser"
+            text: qsTr("Use Chrome as default browser")
         }
         PreferenceSwitch {
             preferences: general.preferences
             key: "copyNumberURLToClipBoard"
-            text: "Copy called numbers and urls to Clipboard"
+            text: qsTr("Copy called numbers and urls to Clipboard")
         }
         PreferenceSwitch {
             preferences: general.preferences
             key: "updateWeatherInfoEveryHour"
-            text: "Update weather information every hour?"
+            text: qsTr("Update weather information every hour?")
             Layout.bottomMargin: 10
             // Acts at once: the position asked again and the hourly timer started, or the timer cancelled.
             onToggled: {
@@ -54,13 +54,13 @@ ScrollView {
             }
         }
         Label {
-            text: "Place for the weather when the desktop gives no position:"
+            text: qsTr("Place for the weather when the desktop gives no position:")
         }
         TextField {
             objectName: "weatherPlace"
             Layout.fillWidth: true
-            placeholderText: "a city, such as Santa Cruz de Tenerife"
-            Accessible.name: "Place for the weather"
+            placeholderText: qsTr("a city, such as Santa Cruz de Tenerife")
+            Accessible.name: qsTr("Place for the weather")
             Accessible.description: placeholderText
             text: general.preferences.weatherPlace()
             onEditingFinished: {
@@ -86,11 +86,11 @@ ScrollView {
             Layout.bottomMargin: 10
         }
 
-        Heading { text: "Launch Options"; Layout.topMargin: 10 }
+        Heading { text: qsTr("Launch Options"); Layout.topMargin: 10 }
         LaunchAtLogin { id: launchAtLogin }
         ActionSwitch {
             objectName: "launchAtLogin"
-            text: "Launch at login"
+            text: qsTr("Launch at login")
             checked: launchAtLogin.isEnabled
             onToggled: {
                 launchAtLogin.isEnabled = checked
@@ -100,7 +100,7 @@ ScrollView {
         PreferenceSwitch {
             preferences: general.preferences
             key: "fixedQuoteOnStartup"
-            text: "Fix welcome screen with quotes on startup"
+            text: qsTr("Fix welcome screen with quotes on startup")
         }
     }
 }

@@ -52,21 +52,21 @@ ColumnLayout {
         Layout.fillWidth: true
         Layout.bottomMargin: 10
         wrapMode: Text.Wrap
-        text: "Customize your at your liking all the quick action buttons you want to have available on contacts UI for faster access to communicastions."
+        text: qsTr("Customize your at your liking all the quick action buttons you want to have available on contacts UI for faster access to communicastions.")
     }
-    Heading { text: "Default Actions:" }
-    PreferenceSwitch { id: phoneCalls; preferences: quickActions.preferences; key: "quickActionIsSetForPhoneCalls"; text: "iPhone calls (default)" }
+    Heading { text: qsTr("Default Actions:") }
+    PreferenceSwitch { id: phoneCalls; preferences: quickActions.preferences; key: "quickActionIsSetForPhoneCalls"; text: qsTr("iPhone calls (default)") }
     HandlerLine { kind: "telephone"; toggle: phoneCalls }
-    PreferenceSwitch { id: emails; preferences: quickActions.preferences; key: "quickActionIsSetForEmails"; text: "Mail" }
+    PreferenceSwitch { id: emails; preferences: quickActions.preferences; key: "quickActionIsSetForEmails"; text: qsTr("Mail") }
     HandlerLine { kind: "mail"; toggle: emails; Layout.bottomMargin: 10 }
-    Heading { text: "Calls:" }
-    PreferenceSwitch { id: facetime; preferences: quickActions.preferences; key: "quickActionIsSetForFacetimeCalls"; text: "Facetime" }
+    Heading { text: qsTr("Calls:") }
+    PreferenceSwitch { id: facetime; preferences: quickActions.preferences; key: "quickActionIsSetForFacetimeCalls"; text: qsTr("Facetime") }
     HandlerLine { kind: "facetime"; toggle: facetime }
-    PreferenceSwitch { id: facetimeAudio; preferences: quickActions.preferences; key: "quickActionIsSetForFacetimeAudioCalls"; text: "Facetime Audio" }
+    PreferenceSwitch { id: facetimeAudio; preferences: quickActions.preferences; key: "quickActionIsSetForFacetimeAudioCalls"; text: qsTr("Facetime Audio") }
     HandlerLine { kind: "facetime-audio"; toggle: facetimeAudio; Layout.bottomMargin: 10 }
-    Heading { text: "Messages:" }
-    PreferenceSwitch { id: texts; preferences: quickActions.preferences; key: "quickActionIsSetForText"; text: "iMessage" }
+    Heading { text: qsTr("Messages:") }
+    PreferenceSwitch { id: texts; preferences: quickActions.preferences; key: "quickActionIsSetForText"; text: qsTr("iMessage") }
     HandlerLine { kind: "messages"; toggle: texts }
-    PreferenceSwitch { preferences: quickActions.preferences; key: "quickActionIsSetForSkype"; text: "Skype"; Layout.bottomMargin: 10 }
+    PreferenceSwitch { preferences: quickActions.preferences; key: "quickActionIsSetForSkype"; text: qsTr("Skype"); Layout.bottomMargin: 10 }
     Item { Layout.fillHeight: true }
 }

@@ -15,9 +15,9 @@ ColumnLayout {
     property string alertType: ""
 
     readonly property var alerts: ({
-        "resetCallsHistory": "Reset recent calls history",
-        "resetFavoriteTelcos": "Reset favorite telcos",
-        "resetFavoriteContacts": "Reset favorite contacts"
+        "resetCallsHistory": qsTr("Reset recent calls history"),
+        "resetFavoriteTelcos": qsTr("Reset favorite telcos"),
+        "resetFavoriteContacts": qsTr("Reset favorite contacts")
     })
 
     function ask(type) {
@@ -46,7 +46,7 @@ ColumnLayout {
     }
 
     Label {
-        text: "**Warning !!!**"
+        text: qsTr("**Warning !!!**")
         textFormat: Text.MarkdownText
         Accessible.name: text.replace(/\*\*/g, "")
         font.pixelSize: 22
@@ -57,27 +57,27 @@ ColumnLayout {
         Layout.fillWidth: true
         Layout.bottomMargin: 20
         wrapMode: Text.Wrap
-        text: "You will delete all stored information on the database. Proceed with caution."
+        text: qsTr("You will delete all stored information on the database. Proceed with caution.")
     }
-    Heading { text: "Recent Calls History:" }
+    Heading { text: qsTr("Recent Calls History:") }
     ActionButton {
         objectName: "resetCallsHistory"
-        text: "Reset call history"
+        text: qsTr("Reset call history")
         Accessible.name: text
         Layout.bottomMargin: 10
         onClicked: reset.ask("resetCallsHistory")
     }
-    Heading { text: "Favorites:" }
+    Heading { text: qsTr("Favorites:") }
     ActionButton {
         objectName: "resetFavoriteTelcos"
-        text: "Reset favorite telcos"
+        text: qsTr("Reset favorite telcos")
         Accessible.name: text
         Layout.bottomMargin: 10
         onClicked: reset.ask("resetFavoriteTelcos")
     }
     ActionButton {
         objectName: "resetFavoriteContacts"
-        text: "Reset favorite contacts"
+        text: qsTr("Reset favorite contacts")
         Accessible.name: text
         onClicked: reset.ask("resetFavoriteContacts")
     }
@@ -91,14 +91,14 @@ ColumnLayout {
         anchors.centerIn: parent
         modal: true
         visible: reset.showAlert
-        title: typed ? reset.alerts[reset.alertType] : "ERROR"
+        title: typed ? reset.alerts[reset.alertType] : qsTr("ERROR")
         width: Math.min(420, parent ? parent.width - 40 : 420)
         onClosed: reset.showAlert = false
 
         Label {
             width: alert.availableWidth
             visible: alert.typed
-            text: "Are you sure you want to delete all items in the database ?"
+            text: qsTr("Are you sure you want to delete all items in the database ?")
             wrapMode: Text.Wrap
         }
         footer: DialogButtonBox {
@@ -106,7 +106,7 @@ ColumnLayout {
             ActionButton {
                 objectName: "confirmReset"
                 visible: alert.typed
-                text: "Reset"
+                text: qsTr("Reset")
                 Accessible.name: text
                 palette.buttonText: "#d32f2f" // destructive
                 DialogButtonBox.buttonRole: DialogButtonBox.DestructiveRole
@@ -117,7 +117,7 @@ ColumnLayout {
             }
             ActionButton {
                 objectName: "dismissReset"
-                text: "Dismiss"
+                text: qsTr("Dismiss")
                 Accessible.name: text
                 DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
             }

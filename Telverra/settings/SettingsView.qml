@@ -12,7 +12,7 @@ ApplicationWindow {
     readonly property var preferences: viewModel.preferences
 
     objectName: "settingsWindow"
-    title: "Telverra Settings"
+    title: qsTr("Telverra Settings")
     width: 600
     height: 500
     minimumWidth: 480
@@ -29,14 +29,14 @@ ApplicationWindow {
         objectName: "settingsTabs"
         Repeater {
             model: [
-                { label: "General", symbol: "gear" },
-                { label: "Quick Actions", symbol: "ellipsis.circle" },
-                { label: "Reset", symbol: "xmark.circle.fill" },
-                { label: "About", symbol: "info.circle.fill" }
+                { name: "General", label: qsTr("General"), symbol: "gear" },
+                { name: "Quick Actions", label: qsTr("Quick Actions"), symbol: "ellipsis.circle" },
+                { name: "Reset", label: qsTr("Reset"), symbol: "xmark.circle.fill" },
+                { name: "About", label: qsTr("About"), symbol: "info.circle.fill" }
             ]
             delegate: ActionTabButton {
                 required property var modelData
-                objectName: "tab-" + modelData.label
+                objectName: "tab-" + modelData.name
                 text: modelData.label
                 Accessible.name: modelData.label
                 icon.source: "image://symbols/" + modelData.symbol + "?color=" + String(settings.palette.windowText).substring(1)

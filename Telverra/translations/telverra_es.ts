@@ -2,6 +2,131 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="es">
 <context>
+    <name>AboutSettingsView</name>
+    <message>
+        <source>**Telverra** is free and open source software. This is why this app is now shared with the world for free.
+
+Do you want to help me out improving this tool ? I believe that the Mac really deserves a better experiece to launch calls and handle your communicating with people.</source>
+        <translation>**Telverra** es software libre y de código abierto. Por eso esta aplicación se comparte ahora gratis con todo el mundo.
+
+¿Quiere ayudarme a mejorar esta herramienta? Creo que el ordenador merece una forma mejor de hacer llamadas y de comunicarse con la gente.</translation>
+    </message>
+    <message>
+        <source>Version %1</source>
+        <translation>Versión %1</translation>
+    </message>
+</context>
+<context>
+    <name>ActionScrollBar</name>
+    <message>
+        <source>Scroll up and down</source>
+        <translation>Desplazar arriba y abajo</translation>
+    </message>
+    <message>
+        <source>Scroll sideways</source>
+        <translation>Desplazar a los lados</translation>
+    </message>
+</context>
+<context>
+    <name>AddNewFavoriteTelcoView</name>
+    <message>
+        <source>Add a new favorite telco</source>
+        <translation>Añadir un enlace de reunión favorito</translation>
+    </message>
+    <message>
+        <source>save a telco with a name and a URL for easy access later</source>
+        <translation>guarde un enlace de reunión con un nombre y una URL para tenerlo a mano</translation>
+    </message>
+    <message>
+        <source>name</source>
+        <translation>nombre</translation>
+    </message>
+    <message>
+        <source>URL </source>
+        <translation>URL </translation>
+    </message>
+    <message>
+        <source>URL</source>
+        <translation>URL</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message>
+        <source>Add Telco</source>
+        <translation>Añadir enlace</translation>
+    </message>
+</context>
+<context>
+    <name>AllContactsView</name>
+    <message>
+        <source>Search contacts</source>
+        <translation>Buscar contactos</translation>
+    </message>
+    <message>
+        <source>Hide the alphabet index</source>
+        <translation>Ocultar el índice alfabético</translation>
+    </message>
+    <message>
+        <source>Show the alphabet index</source>
+        <translation>Mostrar el índice alfabético</translation>
+    </message>
+    <message>
+        <source>Contacts</source>
+        <translation>Contactos</translation>
+    </message>
+    <message>
+        <source>Section %1</source>
+        <extracomment>A heading of the contact list: the letter the names below it begin with</extracomment>
+        <translation>Sección %1</translation>
+    </message>
+    <message>
+        <source>Go to %1</source>
+        <extracomment>A letter of the alphabet index beside the contact list</extracomment>
+        <translation>Ir a %1</translation>
+    </message>
+    <message>
+        <source>Reading the address book</source>
+        <translation>Leyendo la libreta de direcciones</translation>
+    </message>
+    <message>
+        <source>Reading your address book…</source>
+        <translation>Leyendo su libreta de direcciones…</translation>
+    </message>
+    <message>
+        <source>No contacts match</source>
+        <translation>Ningún contacto coincide</translation>
+    </message>
+    <message>
+        <source>No contacts yet</source>
+        <translation>Todavía no hay contactos</translation>
+    </message>
+    <message>
+        <source>Nobody in your address book has “%1” in their name.</source>
+        <translation>Nadie en su libreta de direcciones tiene «%1» en su nombre.</translation>
+    </message>
+    <message>
+        <source>Telverra reads vCard folders: the address books in khard&apos;s configuration, ~/.local/share/contacts and ~/.local/share/kpeoplevcard (where KDE Connect keeps a phone&apos;s contacts). Put .vcf files in a folder there, or start Telverra with --contacts DIR to read another folder.</source>
+        <translation>Telverra lee carpetas de vCard: las libretas de direcciones de la configuración de khard, ~/.local/share/contacts y ~/.local/share/kpeoplevcard (donde KDE Connect guarda los contactos de un teléfono). Ponga archivos .vcf en una de esas carpetas o inicie Telverra con --contacts CARPETA para leer otra.</translation>
+    </message>
+    <message>
+        <source>Add to favorites</source>
+        <translation>Añadir a favoritos</translation>
+    </message>
+    <message>
+        <source>Contacts Permission Denied</source>
+        <translation>Permiso denegado para los contactos</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n contacts</source>
+        <translation>
+            <numerusform>%n contacto</numerusform>
+            <numerusform>%n contactos</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>CallTypes</name>
     <message>
         <source>Telephone</source>
@@ -306,6 +431,46 @@ error de uso.
     </message>
 </context>
 <context>
+    <name>ContactsCellView</name>
+    <message>
+        <source>Call</source>
+        <translation>Llamar</translation>
+    </message>
+    <message>
+        <source>Message</source>
+        <translation>Mensaje</translation>
+    </message>
+    <message>
+        <source>Mail</source>
+        <translation>Correo</translation>
+    </message>
+    <message>
+        <source>FaceTime</source>
+        <translation>FaceTime</translation>
+    </message>
+    <message>
+        <source>FaceTime audio</source>
+        <translation>Audio de FaceTime</translation>
+    </message>
+    <message>
+        <source>%1 %2</source>
+        <extracomment>An action on a contact, then the contact&apos;s name: &quot;Call Ana Pérez&quot;</extracomment>
+        <translation>%1 a %2</translation>
+    </message>
+    <message>
+        <source>No e-mail address</source>
+        <translation>Sin dirección de correo</translation>
+    </message>
+    <message>
+        <source>No phone number</source>
+        <translation>Sin número de teléfono</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+</context>
+<context>
     <name>DesktopSearch</name>
     <message>
         <source>Call</source>
@@ -334,6 +499,143 @@ error de uso.
     </message>
 </context>
 <context>
+    <name>DialerView</name>
+    <message>
+        <source>number</source>
+        <translation>número</translation>
+    </message>
+    <message>
+        <source>Number</source>
+        <translation>Número</translation>
+    </message>
+    <message>
+        <source>invalid number</source>
+        <translation>número no válido</translation>
+    </message>
+    <message>
+        <source>invalid URL on Clipboard</source>
+        <translation>URL no válida en el portapapeles</translation>
+    </message>
+    <message>
+        <source>Call from clipboard</source>
+        <translation>Llamar desde el portapapeles</translation>
+    </message>
+    <message>
+        <source>Call</source>
+        <translation>Llamar</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Borrar</translation>
+    </message>
+</context>
+<context>
+    <name>FavoritesView</name>
+    <message>
+        <source>Remove “%1” from your favorites?</source>
+        <translation>¿Quitar «%1» de sus favoritos?</translation>
+    </message>
+    <message numerus="yes">
+        <source>total of %n</source>
+        <extracomment>How many favourite contacts or meeting links there are</extracomment>
+        <translation>
+            <numerusform>%n en total</numerusform>
+            <numerusform>%n en total</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Contacts</source>
+        <translation>Contactos</translation>
+    </message>
+    <message>
+        <source>Add contacts from the Contacts screen or the history.</source>
+        <translation>Añada contactos desde la pantalla Contactos o desde el historial.</translation>
+    </message>
+    <message>
+        <source>Telcos</source>
+        <translation>Enlaces de reunión</translation>
+    </message>
+    <message>
+        <source>Add a meeting link</source>
+        <translation>Añadir un enlace de reunión</translation>
+    </message>
+    <message>
+        <source>Add a meeting link with +</source>
+        <translation>Añada un enlace de reunión con +</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>Acciones</translation>
+    </message>
+    <message>
+        <source>Remove from Favorites</source>
+        <translation>Quitar de favoritos</translation>
+    </message>
+    <message>
+        <source>Copy Value to clipboard</source>
+        <translation>Copiar el valor al portapapeles</translation>
+    </message>
+    <message>
+        <source>Edit favorite</source>
+        <translation>Editar favorito</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Quitar</translation>
+    </message>
+    <message>
+        <source>Favourite contacts</source>
+        <translation>Contactos favoritos</translation>
+    </message>
+    <message>
+        <source>Saved links</source>
+        <translation>Enlaces guardados</translation>
+    </message>
+</context>
+<context>
+    <name>GeneralSettingsView</name>
+    <message>
+        <source>Tools Options:</source>
+        <translation>Opciones de las herramientas:</translation>
+    </message>
+    <message>
+        <source>Use Chrome as default browser</source>
+        <translation>Usar Chrome como navegador predeterminado</translation>
+    </message>
+    <message>
+        <source>Copy called numbers and urls to Clipboard</source>
+        <translation>Copiar al portapapeles los números y URL llamados</translation>
+    </message>
+    <message>
+        <source>Update weather information every hour?</source>
+        <translation>¿Actualizar la información del tiempo cada hora?</translation>
+    </message>
+    <message>
+        <source>Place for the weather when the desktop gives no position:</source>
+        <translation>Lugar para el tiempo cuando el escritorio no da una posición:</translation>
+    </message>
+    <message>
+        <source>a city, such as Santa Cruz de Tenerife</source>
+        <translation>una ciudad, como Santa Cruz de Tenerife</translation>
+    </message>
+    <message>
+        <source>Place for the weather</source>
+        <translation>Lugar para el tiempo</translation>
+    </message>
+    <message>
+        <source>Launch Options</source>
+        <translation>Opciones de inicio</translation>
+    </message>
+    <message>
+        <source>Launch at login</source>
+        <translation>Iniciar al iniciar la sesión</translation>
+    </message>
+    <message>
+        <source>Fix welcome screen with quotes on startup</source>
+        <translation>Mantener la pantalla de bienvenida con citas al iniciar</translation>
+    </message>
+</context>
+<context>
     <name>HomeWindowViewModel</name>
     <message>
         <source>Telverra can read the clipboard only while its window is in front. Bring the window to the front and try again.</source>
@@ -345,6 +647,65 @@ error de uso.
     <message>
         <source>Start Telverra when you log in</source>
         <translation>Iniciar Telverra al iniciar la sesión</translation>
+    </message>
+</context>
+<context>
+    <name>Main</name>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Ver</translation>
+    </message>
+    <message>
+        <source>Toggle sidebar</source>
+        <translation>Mostrar u ocultar la barra lateral</translation>
+    </message>
+    <message>
+        <source>Update weather info</source>
+        <translation>Actualizar el tiempo</translation>
+    </message>
+    <message>
+        <source>iPhone</source>
+        <translation>iPhone</translation>
+    </message>
+    <message>
+        <source>Recents</source>
+        <translation>Recientes</translation>
+    </message>
+    <message>
+        <source>Favorites</source>
+        <translation>Favoritos</translation>
+    </message>
+    <message>
+        <source>Contacts</source>
+        <translation>Contactos</translation>
+    </message>
+    <message>
+        <source>&amp;Call</source>
+        <translation>&amp;Llamada</translation>
+    </message>
+    <message>
+        <source>Make call from dialpad</source>
+        <translation>Llamar desde el teclado</translation>
+    </message>
+    <message>
+        <source>Clear display</source>
+        <translation>Borrar la pantalla</translation>
+    </message>
+    <message>
+        <source>Make call from clipboard</source>
+        <translation>Llamar desde el portapapeles</translation>
+    </message>
+    <message>
+        <source>Create new Google Meet call</source>
+        <translation>Crear una reunión de Google Meet</translation>
+    </message>
+    <message>
+        <source>Error trying to launch call</source>
+        <translation>Error al intentar iniciar la llamada</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>Aceptar</translation>
     </message>
 </context>
 <context>
@@ -361,6 +722,61 @@ error de uso.
         <source>The desktop asks which application to use</source>
         <translation>El escritorio pregunta qué aplicación usar</translation>
     </message>
+    <message>
+        <source>Customize your at your liking all the quick action buttons you want to have available on contacts UI for faster access to communicastions.</source>
+        <translation>Personalice a su gusto los botones de acción rápida que quiere tener en los contactos para comunicarse más rápido.</translation>
+    </message>
+    <message>
+        <source>Default Actions:</source>
+        <translation>Acciones predeterminadas:</translation>
+    </message>
+    <message>
+        <source>iPhone calls (default)</source>
+        <translation>Llamadas de iPhone (predeterminado)</translation>
+    </message>
+    <message>
+        <source>Mail</source>
+        <translation>Correo</translation>
+    </message>
+    <message>
+        <source>Calls:</source>
+        <translation>Llamadas:</translation>
+    </message>
+    <message>
+        <source>Facetime</source>
+        <translation>Facetime</translation>
+    </message>
+    <message>
+        <source>Facetime Audio</source>
+        <translation>Audio de Facetime</translation>
+    </message>
+    <message>
+        <source>Messages:</source>
+        <translation>Mensajes:</translation>
+    </message>
+    <message>
+        <source>iMessage</source>
+        <translation>iMessage</translation>
+    </message>
+    <message>
+        <source>Skype</source>
+        <translation>Skype</translation>
+    </message>
+</context>
+<context>
+    <name>RecentCallItemCellView</name>
+    <message>
+        <source>Add to favorites</source>
+        <translation>Añadir a favoritos</translation>
+    </message>
+    <message>
+        <source>Copy Value to clipboard</source>
+        <translation>Copiar el valor al portapapeles</translation>
+    </message>
+    <message>
+        <source>Remove from history</source>
+        <translation>Quitar del historial</translation>
+    </message>
 </context>
 <context>
     <name>RecentCallItemViewModel</name>
@@ -373,6 +789,213 @@ error de uso.
         <source>yesterday</source>
         <extracomment>The day of a call in the history</extracomment>
         <translation>ayer</translation>
+    </message>
+</context>
+<context>
+    <name>RecentsView</name>
+    <message>
+        <source>search...</source>
+        <translation>buscar…</translation>
+    </message>
+    <message>
+        <source>Search the history</source>
+        <translation>Buscar en el historial</translation>
+    </message>
+    <message>
+        <source>Reload</source>
+        <translation>Recargar</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n entries</source>
+        <translation>
+            <numerusform>%n entrada</numerusform>
+            <numerusform>%n entradas</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>History</source>
+        <translation>Historial</translation>
+    </message>
+</context>
+<context>
+    <name>ResetSettingsView</name>
+    <message>
+        <source>Reset recent calls history</source>
+        <translation>Restablecer el historial de llamadas recientes</translation>
+    </message>
+    <message>
+        <source>Reset favorite telcos</source>
+        <translation>Restablecer los enlaces de reunión favoritos</translation>
+    </message>
+    <message>
+        <source>Reset favorite contacts</source>
+        <translation>Restablecer los contactos favoritos</translation>
+    </message>
+    <message>
+        <source>**Warning !!!**</source>
+        <translation>**¡¡¡Atención!!!**</translation>
+    </message>
+    <message>
+        <source>You will delete all stored information on the database. Proceed with caution.</source>
+        <translation>Borrará toda la información guardada en la base de datos. Proceda con cuidado.</translation>
+    </message>
+    <message>
+        <source>Recent Calls History:</source>
+        <translation>Historial de llamadas recientes:</translation>
+    </message>
+    <message>
+        <source>Reset call history</source>
+        <translation>Restablecer el historial de llamadas</translation>
+    </message>
+    <message>
+        <source>Favorites:</source>
+        <translation>Favoritos:</translation>
+    </message>
+    <message>
+        <source>ERROR</source>
+        <translation>ERROR</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete all items in the database ?</source>
+        <translation>¿Seguro que quiere borrar todos los elementos de la base de datos?</translation>
+    </message>
+    <message>
+        <source>Dismiss</source>
+        <translation>Descartar</translation>
+    </message>
+    <message>
+        <source>Reset</source>
+        <translation>Restablecer</translation>
+    </message>
+</context>
+<context>
+    <name>SettingsView</name>
+    <message>
+        <source>Telverra Settings</source>
+        <translation>Preferencias de Telverra</translation>
+    </message>
+    <message>
+        <source>General</source>
+        <translation>General</translation>
+    </message>
+    <message>
+        <source>Quick Actions</source>
+        <translation>Acciones rápidas</translation>
+    </message>
+    <message>
+        <source>Reset</source>
+        <translation>Restablecer</translation>
+    </message>
+    <message>
+        <source>About</source>
+        <translation>Acerca de</translation>
+    </message>
+</context>
+<context>
+    <name>SidebarListView</name>
+    <message>
+        <source>Tools</source>
+        <translation>Herramientas</translation>
+    </message>
+    <message>
+        <source>iPhone</source>
+        <translation>iPhone</translation>
+    </message>
+    <message>
+        <source>Recents</source>
+        <translation>Recientes</translation>
+    </message>
+    <message>
+        <source>Favorites</source>
+        <translation>Favoritos</translation>
+    </message>
+    <message>
+        <source>Contacts</source>
+        <translation>Contactos</translation>
+    </message>
+    <message>
+        <source>Configuration</source>
+        <translation>Configuración</translation>
+    </message>
+    <message>
+        <source>Quit app</source>
+        <translation>Salir de la aplicación</translation>
+    </message>
+</context>
+<context>
+    <name>StoreErrorWindow</name>
+    <message>
+        <source>Telverra cannot open its history</source>
+        <translation>Telverra no puede abrir su historial</translation>
+    </message>
+    <message>
+        <source>The file that keeps your call history and favourites could not be opened:</source>
+        <translation>No se pudo abrir el archivo que guarda su historial de llamadas y sus favoritos:</translation>
+    </message>
+    <message>
+        <source>Store file</source>
+        <translation>Archivo de datos</translation>
+    </message>
+    <message>
+        <source>Nothing was changed or deleted: the file is exactly as it was.</source>
+        <translation>No se ha cambiado ni borrado nada: el archivo está exactamente como estaba.</translation>
+    </message>
+    <message>
+        <source>To start with an empty history, move the file aside (for example, rename it to Telverra.sqlite.damaged) and start Telverra again. Keep the moved file if you want to recover it.</source>
+        <translation>Para empezar con un historial vacío, aparte el archivo (por ejemplo, cámbiele el nombre a Telverra.sqlite.damaged) y vuelva a iniciar Telverra. Conserve el archivo apartado si quiere recuperarlo.</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Salir</translation>
+    </message>
+</context>
+<context>
+    <name>ToolbarPopupMenu</name>
+    <message>
+        <source>Launch</source>
+        <translation>Iniciar</translation>
+    </message>
+    <message>
+        <source>New Google Meet</source>
+        <translation>Nueva reunión de Google Meet</translation>
+    </message>
+    <message>
+        <source>Call from clipboard</source>
+        <translation>Llamar desde el portapapeles</translation>
+    </message>
+</context>
+<context>
+    <name>WeatherCardView</name>
+    <message>
+        <source>No weather yet</source>
+        <translation>Todavía no hay información del tiempo</translation>
+    </message>
+    <message>
+        <source>Weather: %1</source>
+        <translation>Tiempo: %1</translation>
+    </message>
+    <message>
+        <source>Shows the daily forecast</source>
+        <translation>Muestra el pronóstico diario</translation>
+    </message>
+</context>
+<context>
+    <name>Welcome</name>
+    <message>
+        <source>Good morning !!!</source>
+        <translation>¡¡¡Buenos días!!!</translation>
+    </message>
+    <message>
+        <source>Good afternoon !!!</source>
+        <translation>¡¡¡Buenas tardes!!!</translation>
+    </message>
+    <message>
+        <source>Good evening !!!</source>
+        <translation>¡¡¡Buenas tardes!!!</translation>
+    </message>
+    <message>
+        <source>Good night !!!</source>
+        <translation>¡¡¡Buenas noches!!!</translation>
     </message>
 </context>
 </TS>

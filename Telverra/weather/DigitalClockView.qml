@@ -24,7 +24,7 @@ ColumnLayout {
     Label {
         objectName: "clockDate"
         Layout.alignment: Qt.AlignHCenter
-        text: Qt.formatDate(clock.date, "dddd, d MMM yyyy")
+        text: clock.date.toLocaleDateString(Qt.locale(), "dddd, d MMM yyyy")
         font.pixelSize: 11
         color: clock.palette.placeholderText
     }

@@ -4,6 +4,7 @@
 #include "common/Trace.h"
 #include "settings/DeploymentSettings.h"
 
+#include <QCoreApplication>
 #include <QUrl>
 
 RandomQuoteDataService::RandomQuoteDataService(QNetworkAccessManager &network, const DeploymentSettings &deployment,
@@ -79,15 +80,15 @@ namespace Welcome {
 QString greeting(int hour)
 {
     if (hour >= 5 && hour <= 11) {
-        return QStringLiteral("Good morning !!!");
+        return QCoreApplication::translate("Welcome", "Good morning !!!");
     }
     if (hour >= 12 && hour <= 17) {
-        return QStringLiteral("Good afternoon !!!");
+        return QCoreApplication::translate("Welcome", "Good afternoon !!!");
     }
     if (hour >= 18 && hour <= 21) {
-        return QStringLiteral("Good evening !!!");
+        return QCoreApplication::translate("Welcome", "Good evening !!!");
     }
-    return QStringLiteral("Good night !!!");
+    return QCoreApplication::translate("Welcome", "Good night !!!");
 }
 
 int nextIndicatorCount(int count)
