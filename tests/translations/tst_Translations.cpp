@@ -4,7 +4,6 @@
 #include "support/TestHome.h"
 
 #include <QDir>
-#include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -14,66 +13,50 @@ class tst_Translations : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void catalogues_data();
     void catalogues();
     void commandLine_data();
     void commandLine();
 };
 
-void tst_Translations::catalogues_data()
-{
-    QTest::addColumn<QString>("path");
-    const QDir folder(QStringLiteral(SOURCES_DIR "/translations"));
-    for (const QString &file : folder.entryList({u"telverra_*.ts"_qs}, QDir::Files)) {
-        QTest::newRow(qPrintable(file)) << folder.filePath(file);
-    }
-}
-
-// lupdate run over the sources into a copy of the catalogue marks what is new "unfinished" and what the sources lost
-// "vanished": a catalogue up to date and complete comes out with neither.
+// lupdate run over the sources into a copy of a catalogue marks what is new "unfinished" and what the sources lost
+// "vanished": a catalogue that is up to date and complete comes out with neither.
 void tst_Translations::catalogues()
 {
-    QFETCH(QString, path);
-    QTemporaryDir folder;
-    const QString copy = folder.filePath(QFileInfo(path).fileName());
-    QVERIFY(QFile::copy(path, copy));
-    QProcess lupdate;
-    lupdate.start(QStringLiteral(LUPDATE), {u"-silent"_qs, u"-locations"_qs, u"none"_qs, u"-I"_qs,
-                                            QStringLiteral(SOURCES_DIR), QStringLiteral(SOURCES_DIR), u"-ts"_qs, copy});
-    QVERIFY(lupdate.waitForFinished(120000) && lupdate.exitCode() == 0);
-    QFile file(copy);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QString catalogue = QString::fromUtf8(file.readAll());
-    QVERIFY(catalogue.count(u"<message") > 150); // lupdate found the program's texts
-
-    static const QRegularExpression message(
-        uR"(<source>(.*?)</source>.*?<translation( type="\w+")?>(.*?)</translation>)"_qs,
-        QRegularExpression::DotMatchesEverythingOption);
-    static const QRegularExpression placeholder(u"%L?(\\d{1,2}|n)"_qs);
+    static const QRegularExpression message(uR"(<source>(.*?)</source>.*?<translation( type="\w+")?>(.*?)</)"_qs,
+                                            QRegularExpression::DotMatchesEverythingOption);
     const auto placeholders = [](const QString &text) {
-        QStringList found;
-        for (auto it = placeholder.globalMatch(text); it.hasNext();) {
-            found.append(it.next().captured(1));
+        QSet<QString> found;
+        for (const QRegularExpressionMatch &match : QRegularExpression(u"%L?(\\d{1,2}|n)"_qs).globalMatch(text)) {
+            found.insert(match.captured(1));
         }
-        found.sort();
-        found.removeDuplicates();
         return found;
     };
-    QStringList problems;
-    for (auto it = message.globalMatch(catalogue); it.hasNext();) {
-        const QRegularExpressionMatch match = it.next();
-        const QString source = match.captured(1);
-        const QString translation = match.captured(3);
-        if (!match.captured(2).isEmpty()) {
-            problems.append(match.captured(2).trimmed() + u": " + source);
-        } else if (translation.trimmed().isEmpty() || translation.contains(u"<numerusform></numerusform>")) {
-            problems.append(u"empty: " + source);
-        } else if (placeholders(translation) != placeholders(source)) {
-            problems.append(u"other placeholders: " + source + u" → " + translation);
+    const QDir folder(QStringLiteral(SOURCES_DIR "/translations"));
+    for (const QString &name : folder.entryList({u"telverra_*.ts"_qs}, QDir::Files)) {
+        QTemporaryDir work;
+        QVERIFY(QFile::copy(folder.filePath(name), work.filePath(name)));
+        QProcess lupdate;
+        lupdate.start(QStringLiteral(LUPDATE),
+                      {u"-silent"_qs, u"-locations"_qs, u"none"_qs, u"-I"_qs, QStringLiteral(SOURCES_DIR),
+                       QStringLiteral(SOURCES_DIR), u"-ts"_qs, work.filePath(name)});
+        QVERIFY(lupdate.waitForFinished(120000) && lupdate.exitCode() == 0);
+        QFile file(work.filePath(name));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString catalogue = QString::fromUtf8(file.readAll());
+        QVERIFY(catalogue.count(u"<message") > 150); // lupdate found the program's texts
+        QStringList problems;
+        for (const QRegularExpressionMatch &match : message.globalMatch(catalogue)) {
+            const QString source = match.captured(1);
+            const QString translation = match.captured(3).trimmed();
+            if (!match.captured(2).isEmpty() || translation.isEmpty() || translation.startsWith(u"<numerusform></")) {
+                problems.append(u"unfinished or vanished: "_qs + source);
+            } else if (placeholders(translation) != placeholders(source)) {
+                problems.append(u"other placeholders: " + source + u" → " + translation);
+            }
         }
+        QVERIFY2(problems.isEmpty(),
+                 qPrintable(name + u": run update_translations, then translate:\n" + problems.join(u'\n')));
     }
-    QVERIFY2(problems.isEmpty(),
-             qPrintable(u"run the update_translations target, then translate:\n"_qs + problems.join(u'\n')));
 }
 
 void tst_Translations::commandLine_data()
@@ -109,7 +92,6 @@ void tst_Translations::commandLine()
     QFETCH(QStringList, arguments);
     QFETCH(QString, error);
     QFETCH(QString, output);
-
     TestHome home;
     QVERIFY(home.isValid());
     QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
