@@ -15,7 +15,7 @@ ActionButton {
     width: 60
     height: 60
     focusPolicy: Qt.NoFocus
-    Accessible.name: key === "0" ? "0, hold for +" : key
+    Accessible.name: key === "0" ? qsTr("0, hold for +") : key
 
     contentItem: Item {
       Column {

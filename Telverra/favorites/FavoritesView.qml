@@ -250,7 +250,10 @@ Item {
         // A fixed width keeps the wrapped question from feeding back into the dialog's own size.
         width: Math.min(460, view.width * 0.8)
         Label { id: question; wrapMode: Text.Wrap; width: removeConfirmation.availableWidth }
-        Component.onCompleted: standardButton(Dialog.Ok).text = qsTr("Remove")
+        Component.onCompleted: {
+            standardButton(Dialog.Ok).text = qsTr("Remove")
+            standardButton(Dialog.Cancel).text = qsTr("Cancel")
+        }
         onAccepted: view.telcos.removeAt(view.removal)
     }
 }

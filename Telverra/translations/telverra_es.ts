@@ -591,6 +591,10 @@ error de uso.
         <source>Saved links</source>
         <translation>Enlaces guardados</translation>
     </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancelar</translation>
+    </message>
 </context>
 <context>
     <name>GeneralSettingsView</name>
@@ -640,6 +644,13 @@ error de uso.
     <message>
         <source>Telverra can read the clipboard only while its window is in front. Bring the window to the front and try again.</source>
         <translation>Telverra solo puede leer el portapapeles mientras su ventana está en primer plano. Traiga la ventana al frente y vuelva a intentarlo.</translation>
+    </message>
+</context>
+<context>
+    <name>KeypadButton</name>
+    <message>
+        <source>0, hold for +</source>
+        <translation>0, mantener para +</translation>
     </message>
 </context>
 <context>
@@ -977,6 +988,21 @@ error de uso.
     <message>
         <source>Shows the daily forecast</source>
         <translation>Muestra el pronóstico diario</translation>
+    </message>
+</context>
+<context>
+    <name>WeatherPresentation</name>
+    <message>
+        <source>yesterday</source>
+        <translation>ayer</translation>
+    </message>
+    <message>
+        <source>Today</source>
+        <translation>Hoy</translation>
+    </message>
+    <message>
+        <source>free weather data provided by [Open Weather Map](%1). Last updated on %2 at %3</source>
+        <translation>datos meteorológicos gratuitos de [Open Weather Map](%1). Última actualización: %2, %3</translation>
     </message>
 </context>
 <context>

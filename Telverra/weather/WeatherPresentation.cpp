@@ -2,6 +2,8 @@
 
 #include "common/FatalError.h"
 
+#include <QCoreApplication>
+
 namespace WeatherPresentation {
 
 namespace {
@@ -83,7 +85,7 @@ QString relativeTimeText(const QDateTime &date, const QDateTime &now, const QLoc
         return locale.toString(date.time(), QStringLiteral("HH:mm"));
     }
     if (day == today.addDays(-1)) {
-        return QStringLiteral("yesterday");
+        return QCoreApplication::translate("WeatherPresentation", "yesterday");
     }
     if (date < now && date >= today.addDays(-7).startOfDay()) {
         return locale.standaloneDayName(day.dayOfWeek(), QLocale::LongFormat);
@@ -101,16 +103,17 @@ QString dayLabel(qint64 secondsSince1970, const QDateTime &now, const QLocale &l
 {
     const QDateTime date = QDateTime::fromSecsSinceEpoch(secondsSince1970, now.timeSpec());
     if (date.date() == now.date()) {
-        return QStringLiteral("Today");
+        return QCoreApplication::translate("WeatherPresentation", "Today");
     }
     return abbreviatedWeekday(date, locale);
 }
 
 QString attributionText(const QDateTime &updated, const QDateTime &now, const QLocale &locale)
 {
-    return u"free weather data provided by [Open Weather Map](" + QString::fromLatin1(providerAddress) +
-           u"). Last updated on " + abbreviatedWeekday(updated, locale) + u" at " +
-           relativeTimeText(updated, now, locale);
+    return QCoreApplication::translate("WeatherPresentation",
+                                       "free weather data provided by [Open Weather Map](%1). Last updated on %2 at %3")
+        .arg(QString::fromLatin1(providerAddress), abbreviatedWeekday(updated, locale),
+             relativeTimeText(updated, now, locale));
 }
 
 QString placeTitle(const QString &cityName, const QString &countryName)
