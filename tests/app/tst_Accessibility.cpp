@@ -20,6 +20,7 @@
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTranslator>
 #include <QtQml/qqmlextensionplugin.h>
 #include <QtQuickTest/quicktest.h>
 
@@ -38,6 +39,19 @@ bool waitFor(const std::function<bool()> &condition)
 {
     return QTest::qWaitFor(condition, 5000);
 }
+
+// The tst_PseudoTranslation run loads a pseudo-translation made at build time from the texts lupdate finds in the
+// sources, which gives each as "⟦text"; this closes the mark after a third more: every translated text reads
+// "⟦text··⟧".
+class PseudoTranslator : public QTranslator
+{
+public:
+    QString translate(const char *context, const char *text, const char *disambiguation, int n) const override
+    {
+        const QString marked = QTranslator::translate(context, text, disambiguation, n);
+        return marked.isEmpty() ? marked : marked + QString((marked.size() + 1) / 3, u'·') + u'⟧';
+    }
+};
 
 // Web pages a test would open in the desktop's browser are only noted.
 class PageRecorder : public QObject
@@ -233,6 +247,7 @@ private Q_SLOTS:
     void rowsHiddenByASearchAreNotOffered();
     void rowsAnswerTheKeyboardAndPress_data();
     void rowsAnswerTheKeyboardAndPress();
+    void everyTextIsTranslated();
 
 private:
     // What a user can bring on screen, one stop at a time: a section of the main window, and what opens over it.
@@ -404,6 +419,11 @@ QQuickWindow *tst_Accessibility::show(const QString &name)
 
 void tst_Accessibility::initTestCase()
 {
+    static PseudoTranslator pseudoTranslation; // before the first text is made
+    if (!qEnvironmentVariableIsEmpty("TELVERRA_PSEUDO_QM")) {
+        QVERIFY(pseudoTranslation.load(qEnvironmentVariable("TELVERRA_PSEUDO_QM")) &&
+                QCoreApplication::installTranslator(&pseudoTranslation));
+    }
     QQuickStyle::setStyle(u"Fusion"_qs); // the program's
     QDesktopServices::setUrlHandler(u"https"_qs, &m_pages, "open");
     m_environment = std::make_unique<AppEnvironment>();
@@ -690,6 +710,46 @@ void tst_Accessibility::rowsAnswerTheKeyboardAndPress()
     } else {
         QTRY_COMPARE(window->property("currentSection").toString(), expected);
     }
+}
+
+// Under the pseudo-translation, a word on screen or in the accessibility tree outside the marks escaped the
+// translation, and a Spanish user would read it in English. The user's data, and the locale's days, need none.
+void tst_Accessibility::everyTextIsTranslated()
+{
+    if (qEnvironmentVariableIsEmpty("TELVERRA_PSEUDO_QM")) {
+        QSKIP("checked by the tst_PseudoTranslation run");
+    }
+    QStringList data = u"Ana García AG Bob Smith BS Dee Dash DD dee example org Standup https meet jit si Telverra La "
+                       u"Laguna Spain"_qs.split(u' ');
+    for (int day = 1; day <= 12; ++day) {
+        data << QLocale().dayName(day % 7 + 1) << QLocale().dayName(day % 7 + 1, QLocale::ShortFormat)
+             << QLocale().monthName(day, QLocale::ShortFormat);
+    }
+    static const QRegularExpression marked(u"⟦[^⟦⟧]*⟧"_qs);
+    static const QRegularExpression notLetters(uR"([^\p{L}]+)"_qs);
+    QStringList untranslated;
+    for (const Stop &stop : m_stops) {
+        QQuickWindow *window = show(stop.name);
+        QVERIFY2(window, qPrintable(stop.name));
+        QStringList texts;
+        drawnTexts(window->contentItem(), QRectF(QPointF(), window->size()), texts);
+        for (const Node &node : showing(window)) {
+            texts << node.name << node.description;
+        }
+        for (const QString &text : texts) {
+            QString rest = text;
+            while (rest.contains(marked)) { // a marked text may hold another: innermost first
+                rest.replace(marked, u" "_qs);
+            }
+            const QStringList words = rest.split(notLetters, Qt::SkipEmptyParts);
+            if (std::any_of(words.begin(), words.end(),
+                            [&](const QString &w) { return w.size() > 1 && !data.contains(w); })) {
+                untranslated.append(stop.name + u": \"" + text + u'"');
+            }
+        }
+    }
+    untranslated.removeDuplicates();
+    QVERIFY2(untranslated.isEmpty(), qPrintable(u"not translated:\n"_qs + untranslated.join(u'\n')));
 }
 
 QTEST_MAIN(tst_Accessibility)
