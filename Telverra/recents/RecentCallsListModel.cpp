@@ -1,6 +1,7 @@
 #include "RecentCallsListModel.h"
 
 #include "calls/CallTypes.h"
+#include "contacts/ContactLabelNames.h"
 #include "contacts/ContactsDataService.h"
 #include "contacts/ContactsListModel.h"
 #include "recents/RecentCallItemViewModel.h"
@@ -72,7 +73,7 @@ QVariant RecentCallsListModel::data(const QModelIndex &index, int role) const
         return kind == RecentCallItemViewModel::RowKind::meeting ? recent->destinationValue() : QString();
     case subtitleRole:
         if (kind == RecentCallItemViewModel::RowKind::personal) {
-            return QString(recent->destinationTag() + u' ' + recent->destinationValue());
+            return QString(ContactLabels::displayName(recent->destinationTag()) + u' ' + recent->destinationValue());
         }
         return kind == RecentCallItemViewModel::RowKind::meeting && type ? label(*type) : QString();
     case relativeDateRole:
