@@ -33,7 +33,61 @@ const std::array<char16_t, latinEnd> &latinFolds()
     return table;
 }
 
+// The spelling of a lower-case letter that removing marks leaves as it is; null for the others.
+const char16_t *spelling(char16_t c)
+{
+    switch (c) {
+    case u'æ':
+        return u"ae";
+    case u'ð':
+    case u'đ':
+        return u"d";
+    case u'ø':
+        return u"o";
+    case u'þ':
+        return u"th";
+    case u'ß':
+        return u"ss";
+    case u'ħ':
+        return u"h";
+    case u'ı':
+        return u"i";
+    case u'ł':
+        return u"l";
+    case u'œ':
+        return u"oe";
+    case u'ŧ':
+        return u"t";
+    default:
+        return nullptr;
+    }
+}
+
 } // namespace
+
+QString foldForSearch(const QString &text)
+{
+    // Case first, so that only the lower-case letters need a spelling (Ø, Æ, ẞ fold to ø, æ, ß).
+    const QString folded = foldDiacritics(text).toCaseFolded();
+    qsizetype first = 0;
+    while (first < folded.size() && !spelling(folded.at(first).unicode())) {
+        ++first;
+    }
+    if (first == folded.size()) {
+        return folded;
+    }
+    QString spelt = folded.first(first);
+    spelt.reserve(folded.size() + 8);
+    for (qsizetype i = first; i < folded.size(); ++i) {
+        const char16_t c = folded.at(i).unicode();
+        if (const char16_t *letters = spelling(c)) {
+            spelt.append(QStringView(letters));
+        } else {
+            spelt.append(QChar(c));
+        }
+    }
+    return spelt;
+}
 
 QString foldDiacritics(const QString &text)
 {

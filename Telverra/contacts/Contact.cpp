@@ -1,5 +1,8 @@
 #include "Contact.h"
 
+#include <algorithm>
+#include <array>
+
 Contact::Contact()
     : m_contact(std::make_shared<const VCardContact>())
 {}
@@ -12,16 +15,69 @@ Contact::Contact(SharedVCardContact contact)
     : m_contact(contact ? std::move(contact) : std::make_shared<const VCardContact>())
 {}
 
+namespace {
+// The structured name's parts, in the order they are written out.
+std::array<const QString *, 5> nameParts(const VCardContact &contact)
+{
+    const VCardContact::Details &details = contact.details();
+    return {&details.namePrefix, &contact.givenName, &details.middleName, &contact.familyName, &details.nameSuffix};
+}
+
+// Whether the text is the structured name, without writing that out: true for nearly every card read.
+bool isStructuredName(const VCardContact &contact, QStringView text)
+{
+    qsizetype at = 0;
+    for (const QString *part : nameParts(contact)) {
+        if (part->isEmpty()) {
+            continue;
+        }
+        if (at > 0) {
+            if (at >= text.size() || text[at] != u' ') {
+                return false;
+            }
+            ++at;
+        }
+        if (!text.sliced(at).startsWith(*part)) {
+            return false;
+        }
+        at += part->size();
+    }
+    return at == text.size();
+}
+} // namespace
+
 QString Contact::fullName(const VCardContact &contact)
 {
+    const QString &formatted = contact.details().formattedName;
+    return formatted.isEmpty() ? structuredName(contact) : formatted;
+}
+
+QString Contact::structuredName(const VCardContact &contact)
+{
     QStringList parts;
-    for (const QString *part : {&contact.details().namePrefix, &contact.givenName, &contact.details().middleName,
-                                &contact.familyName, &contact.details().nameSuffix}) {
+    for (const QString *part : nameParts(contact)) {
         if (!part->isEmpty()) {
             parts.append(*part);
         }
     }
     return parts.join(u' ');
+}
+
+void Contact::setFormattedName(VCardContact &contact, const QString &formattedName)
+{
+    if (formattedName.isEmpty()) {
+        return;
+    }
+    const auto parts = nameParts(contact);
+    const bool unnamed = std::all_of(parts.cbegin(), parts.cend(), [](const QString *part) { return part->isEmpty(); });
+    if (unnamed && formattedName != contact.organizationName) {
+        const qsizetype space = formattedName.lastIndexOf(u' ');
+        contact.familyName = space < 0 ? formattedName : formattedName.sliced(space + 1);
+        contact.givenName = space < 0 ? QString() : formattedName.first(space).trimmed();
+    }
+    if (!isStructuredName(contact, formattedName)) {
+        contact.editDetails().formattedName = formattedName;
+    }
 }
 
 QString Contact::description() const

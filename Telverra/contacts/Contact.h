@@ -47,9 +47,17 @@ struct Contact
     /// The address book's identifier of the contact.
     const QString &id() const { return m_contact->identifier; }
 
-    /// Prefix, given, middle, family and suffix names joined by single blanks; empty when all are empty.
+    /// The name a contact goes by wherever a whole name is shown or searched: the one its card gives (vCard FN, the
+    /// name its owner chose) when it has one, else the structured name; empty when there is neither.
     static QString fullName(const VCardContact &contact);
     QString fullName() const { return fullName(*m_contact); }
+    /// Prefix, given, middle, family and suffix names joined by single blanks; empty when all are empty.
+    static QString structuredName(const VCardContact &contact);
+    /// For whoever builds a record from an address book, once its structured names are set: gives it the name its
+    /// source writes out whole (a vCard's FN, a full-name field). A record without structured names takes them from
+    /// it (the last word the family name, the rest the given name) so that it sorts and files, unless it is the
+    /// organisation's name. The name itself is kept only where it differs from the structured name.
+    static void setFormattedName(VCardContact &contact, const QString &formattedName);
     /// "Contact(id: …, name: …)", for traces.
     QString description() const;
 

@@ -10,20 +10,15 @@ ContactSearchIndex::ContactSearchIndex(const QList<Contact> &contacts)
     m_named.reserve(count);
     for (const Contact &contact : contacts) {
         const VCardContact &card = contact.contact();
-        m_fullNames.push_back(searchable(Contact::fullName(card)));
-        m_organizations.push_back(searchable(card.organizationName));
+        m_fullNames.push_back(foldForSearch(Contact::fullName(card)));
+        m_organizations.push_back(foldForSearch(card.organizationName));
         m_named.push_back(!card.givenName.isEmpty() || !card.familyName.isEmpty() || !card.organizationName.isEmpty());
     }
 }
 
-QString ContactSearchIndex::searchable(const QString &text)
-{
-    return foldDiacritics(text).toCaseFolded();
-}
-
 std::vector<qsizetype> ContactSearchIndex::matches(const QString &searchText) const
 {
-    const QString needle = searchable(searchText);
+    const QString needle = foldForSearch(searchText);
     std::vector<qsizetype> found;
     for (size_t i = 0; i < m_fullNames.size(); ++i) {
         if (m_named[i] && (m_fullNames[i].contains(needle) || m_organizations[i].contains(needle))) {

@@ -7,15 +7,12 @@
 
 #include <vector>
 
-/// The contacts' names prepared for searching (full name and organisation with diacritics and case folded), made once
+/// The contacts' names prepared for searching (full name and organisation folded as searches fold them), made once
 /// per address book so that each search only scans.
 class ContactSearchIndex
 {
 public:
     explicit ContactSearchIndex(const QList<Contact> &contacts);
-
-    /// The text as the index holds names: diacritics and case folded.
-    static QString searchable(const QString &text);
 
     /// The positions of the contacts whose full name or organisation holds the text, among those with a given,
     /// family or organisation name; in order.

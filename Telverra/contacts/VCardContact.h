@@ -26,6 +26,9 @@ struct VCardContact
 {
     struct Details
     {
+        /// The name the card itself gives (vCard FN), kept only where it differs from the one the structured names
+        /// make: see Contact::setFormattedName.
+        QString formattedName;
         QString namePrefix;
         QString middleName;
         QString nameSuffix;
@@ -37,8 +40,9 @@ struct VCardContact
 
         bool isEmpty() const
         {
-            return namePrefix.isEmpty() && middleName.isEmpty() && nameSuffix.isEmpty() && nickname.isEmpty() &&
-                   jobTitle.isEmpty() && !birthday && postalAddresses.isEmpty() && socialProfiles.isEmpty();
+            return formattedName.isEmpty() && namePrefix.isEmpty() && middleName.isEmpty() && nameSuffix.isEmpty() &&
+                   nickname.isEmpty() && jobTitle.isEmpty() && !birthday && postalAddresses.isEmpty() &&
+                   socialProfiles.isEmpty();
         }
     };
 

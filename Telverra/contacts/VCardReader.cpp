@@ -1,9 +1,12 @@
 #include "VCardReader.h"
 
+#include "Contact.h"
+
 #include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
+#include <QStringDecoder>
 #include <QVarLengthArray>
 
 #include <cerrno>
@@ -37,12 +40,6 @@ bool startsWithNoCase(QByteArrayView text, QByteArrayView prefix)
     return text.size() >= prefix.size() && equalsNoCase(text.first(prefix.size()), prefix);
 }
 
-// Windows-1252's printable characters in 0x80-0x9F; the rest of the set is ISO-8859-1.
-constexpr char16_t windows1252High[32] = {0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                          0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD,
-                                          0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                          0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
-
 // The vCard types that decide a value's label.
 enum TypeFlag : quint16
 {
@@ -71,8 +68,9 @@ struct Property
     QByteArrayView name;
     quint16 types = 0;
     Encoding encoding = Encoding::none;
-    QByteArray charset;  // rare: only 2.1 exports name one
-    QString customLabel; // Android's X-CUSTOM(…)
+    QByteArray charset;   // rare: only 2.1 exports name one
+    QString customLabel;  // Android's X-CUSTOM(…)
+    QByteArray otherType; // the first type outside the known ones ("MODEM", "X-NEC-SECRET"), as written
     QByteArrayView rawValue;
 };
 
@@ -212,11 +210,15 @@ QByteArray decodeParameterValue(QByteArrayView value)
     return out;
 }
 
+// Types that say what a value is but are no label.
+constexpr TypeFlag notALabel = TypeFlag(1 << 15);
+
 quint16 typeFlag(QByteArrayView type)
 {
     static constexpr std::pair<const char *, TypeFlag> known[] = {
-        {"CELL", cellType}, {"MOBILE", mobileType}, {"IPHONE", iphoneType}, {"MAIN", mainType}, {"PAGER", pagerType},
-        {"HOME", homeType}, {"WORK", workType},     {"OTHER", otherType},   {"FAX", faxType},
+        {"CELL", cellType},  {"MOBILE", mobileType},  {"IPHONE", iphoneType}, {"MAIN", mainType}, {"PAGER", pagerType},
+        {"HOME", homeType},  {"WORK", workType},      {"OTHER", otherType},   {"FAX", faxType},   {"VOICE", notALabel},
+        {"PREF", notALabel}, {"INTERNET", notALabel}, {"TEXT", notALabel},
     };
     for (const auto &[name, flag] : known) {
         if (equalsNoCase(type, name)) {
@@ -241,7 +243,13 @@ void addTypes(Property &property, QByteArrayView list)
         if (comma < 0) {
             comma = list.size();
         }
-        property.types |= typeFlag(list.sliced(start, comma - start).trimmed());
+        const QByteArrayView type = list.sliced(start, comma - start).trimmed();
+        const quint16 flag = typeFlag(type);
+        property.types |= flag;
+        if (flag == 0 && property.otherType.isEmpty() && type.size() <= VCardReader::maximumValueLength) {
+            // A phone's own type is the label it shows; "X-" only says that it is not a standard one.
+            property.otherType = (startsWithNoCase(type, "X-") ? type.sliced(2) : type).toByteArray();
+        }
         start = comma + 1;
     }
 }
@@ -279,7 +287,7 @@ QString androidCustomLabel(QByteArrayView parameter)
     if (quotedPrintable) {
         label = VCardReader::decodeQuotedPrintable(label);
     }
-    return VCardReader::decodeCharset(label, charset).trimmed();
+    return VCardReader::decodeCharset(label, charset).remove(QChar(0)).trimmed();
 }
 
 void addParameter(Property &property, QByteArrayView parameter)
@@ -389,24 +397,43 @@ QString plainText(QStringView text)
     return plainText(text.toString());
 }
 
-// Where the first of a structured value's components ends: at the first unescaped ";" from `from` on.
+// Where the first of a structured value's components (or of a component's list) ends: at the first unescaped
+// separator from `from` on.
 template<typename View>
-qsizetype componentEnd(View text, qsizetype from)
+qsizetype componentEnd(View text, qsizetype from, char16_t separator = u';')
 {
     for (qsizetype i = from; i < text.size(); ++i) {
         if (text[i] == u'\\') {
             ++i;
-        } else if (text[i] == u';') {
+        } else if (text[i] == separator) {
             return i;
         }
     }
     return text.size();
 }
 
-// The first `count` components of a structured value, split at unescaped ";", each at most maximumValueLength long
-// (longer ones are left empty); the rest is not looked at.
+// A component that may be a list ("Isabel,Clara"): its elements joined by single blanks.
 template<typename View>
-QStringList components(View text, int count)
+QString listText(View text)
+{
+    qsizetype end = componentEnd(text, 0, u',');
+    if (end == text.size()) {
+        return plainText(text);
+    }
+    QStringList elements;
+    for (qsizetype start = 0; start <= text.size(); end = componentEnd(text, start, u',')) {
+        if (QString element = plainText(text.sliced(start, end - start)); !element.isEmpty()) {
+            elements.append(std::move(element));
+        }
+        start = end + 1;
+    }
+    return elements.join(u' ');
+}
+
+// The first `count` components of a structured value, split at unescaped ";", each at most maximumValueLength long
+// (longer ones are left empty); the rest is not looked at. With `lists`, a component's elements are joined by blanks.
+template<typename View>
+QStringList components(View text, int count, bool lists = false)
 {
     QStringList parts;
     parts.reserve(count);
@@ -417,7 +444,8 @@ QStringList components(View text, int count)
             continue;
         }
         const qsizetype end = componentEnd(text, start);
-        QString part = plainText(text.sliced(start, end - start));
+        const View piece = text.sliced(start, end - start);
+        QString part = lists ? listText(piece) : plainText(piece);
         if (part.size() > VCardReader::maximumValueLength) {
             part.clear();
         }
@@ -496,24 +524,21 @@ QByteArray decodePhoto(const Property &property)
     return decoded.decoded;
 }
 
-enum class Charset
+// Whether a CHARSET parameter names UTF-8 (or nothing): such values are taken as they are.
+bool isUtf8Name(QByteArrayView charset)
 {
-    utf8,
-    latin1,
-    windows1252
-};
+    charset = charset.trimmed();
+    return charset.isEmpty() || equalsNoCase(charset, "UTF-8") || equalsNoCase(charset, "UTF8");
+}
 
-// The character sets exports use; anything else is read as UTF-8.
-Charset charsetNamed(const QByteArray &charset)
+// A character set's name as ICU may be asked for it: ICU reads "/" in a name as the path of a converter file to load
+// and "," as options, so a card's name is passed on only when it is letters, digits, "-", "_" and ".".
+bool isPlainCharsetName(QByteArrayView name)
 {
-    const QByteArray name = charset.trimmed().toUpper();
-    if (name == "ISO-8859-1" || name == "LATIN1" || name == "ISO8859-1") {
-        return Charset::latin1;
-    }
-    if (name == "WINDOWS-1252" || name == "CP1252") {
-        return Charset::windows1252;
-    }
-    return Charset::utf8;
+    return !name.isEmpty() && name.size() <= 64 && std::all_of(name.cbegin(), name.cend(), [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_' ||
+               c == '.';
+    });
 }
 
 class CardBuilder
@@ -527,17 +552,15 @@ private:
     // Most values are UTF-8 as written; those need no decoding step of their own.
     static bool isPlainUtf8(const Property &property)
     {
-        return property.encoding == Encoding::none &&
-               (property.charset.isEmpty() || charsetNamed(property.charset) == Charset::utf8);
+        return property.encoding == Encoding::none && isUtf8Name(property.charset);
     }
     static QString decodedText(const Property &property);
     static std::optional<QString> text(const Property &property);
-    static QStringList structured(const Property &property, int count);
+    static QStringList structured(const Property &property, int count, bool lists = false);
     void labelled(QList<LabeledValue> &list, const Property &property, QString content);
 
     VCardContact m_contact;
     QString m_formattedName;
-    bool m_hasName = false;
     int m_properties = 0;
     // Groups ("item1") are short: std::string keeps them without an allocation of their own.
     QVarLengthArray<std::pair<std::string, QString>, 4> m_groupLabels;
@@ -572,8 +595,7 @@ QString CardBuilder::decodedText(const Property &property)
     case Encoding::none:
         break;
     }
-    return isPlainUtf8(property) ? QString::fromUtf8(property.rawValue)
-                                 : VCardReader::decodeCharset(property.rawValue.toByteArray(), property.charset);
+    return VCardReader::decodeCharset(property.rawValue, property.charset);
 }
 
 // A single text value; none when it is longer than a value may be.
@@ -590,13 +612,14 @@ std::optional<QString> CardBuilder::text(const Property &property)
 }
 
 // A structured value (N, ADR, ORG): each component is capped on its own, so a long tail of separators costs nothing.
-QStringList CardBuilder::structured(const Property &property, int count)
+QStringList CardBuilder::structured(const Property &property, int count, bool lists)
 {
-    // ";" and "\" never occur inside a UTF-8 sequence, so plain values are split before they are decoded.
+    // ";", "," and "\" never occur inside a UTF-8 sequence, so plain values are split before they are decoded. Other
+    // character sets use these bytes inside their characters (Shift_JIS and Big5 "\"): those are decoded first.
     if (isPlainUtf8(property)) {
-        return components(property.rawValue, count);
+        return components(property.rawValue, count, lists);
     }
-    return components(QStringView(decodedText(property)), count);
+    return components(QStringView(decodedText(property)), count, lists);
 }
 
 void CardBuilder::labelled(QList<LabeledValue> &list, const Property &property, QString content)
@@ -605,6 +628,9 @@ void CardBuilder::labelled(QList<LabeledValue> &list, const Property &property, 
         return;
     }
     QString label = !property.customLabel.isEmpty() ? property.customLabel : labelForTypes(property.types);
+    if (label.isEmpty() && !property.otherType.isEmpty()) {
+        label = QString::fromUtf8(property.otherType).remove(QChar(0)).trimmed();
+    }
     list.append({std::move(label), std::move(content)});
     if (!property.group.isEmpty()) {
         m_pending.append({&list, list.size() - 1, groupKey(property.group)});
@@ -622,7 +648,7 @@ void CardBuilder::add(const Property &property)
         }
         break;
     case Field::name: {
-        const QStringList parts = structured(property, 5);
+        const QStringList parts = structured(property, 5, true);
         m_contact.familyName = parts[0];
         m_contact.givenName = parts[1];
         if (!parts[2].isEmpty() || !parts[3].isEmpty() || !parts[4].isEmpty()) {
@@ -631,7 +657,6 @@ void CardBuilder::add(const Property &property)
             details.namePrefix = parts[3];
             details.nameSuffix = parts[4];
         }
-        m_hasName = true;
         break;
     }
     case Field::organization:
@@ -653,7 +678,10 @@ void CardBuilder::add(const Property &property)
             if (number->startsWith(u"tel:", Qt::CaseInsensitive)) {
                 number->remove(0, 4);
             }
-            labelled(m_contact.phoneNumbers, property, std::move(*number));
+            // Some mail programs write a field's name where its number would be ("BusinessPhone"): no number.
+            if (std::any_of(number->cbegin(), number->cend(), [](QChar c) { return c.isDigit(); })) {
+                labelled(m_contact.phoneNumbers, property, std::move(*number));
+            }
         }
         break;
     case Field::email:
@@ -728,15 +756,7 @@ VCardContact CardBuilder::finish(const std::function<QString()> &source, int ind
         }
     }
     m_contact.dropEmptyDetails();
-    const VCardContact::Details &details = m_contact.details();
-    const bool noNames = m_contact.givenName.isEmpty() && m_contact.familyName.isEmpty() &&
-                         details.middleName.isEmpty() && details.namePrefix.isEmpty() && details.nameSuffix.isEmpty();
-    if ((!m_hasName || noNames) && !m_formattedName.isEmpty() && m_formattedName != m_contact.organizationName) {
-        // No structured name: the last word of the display name is the family name, the rest the given name.
-        const qsizetype space = m_formattedName.lastIndexOf(u' ');
-        m_contact.familyName = space < 0 ? m_formattedName : m_formattedName.sliced(space + 1);
-        m_contact.givenName = space < 0 ? QString() : m_formattedName.first(space).trimmed();
-    }
+    Contact::setFormattedName(m_contact, m_formattedName);
     if (m_contact.identifier.isEmpty()) {
         const QByteArray hash = QCryptographicHash::hash(source().toUtf8(), QCryptographicHash::Sha1).toHex().left(16);
         m_contact.identifier = u"vcf-" + QString::fromLatin1(hash) + u'-' + QString::number(index);
@@ -787,22 +807,27 @@ QByteArray VCardReader::decodeQuotedPrintable(const QByteArray &encoded)
     return out;
 }
 
-QString VCardReader::decodeCharset(const QByteArray &bytes, const QByteArray &charset)
+QString VCardReader::decodeCharset(QByteArrayView bytes, QByteArrayView charset)
 {
-    const Charset set = charsetNamed(charset);
-    if (set == Charset::latin1) {
-        return QString::fromLatin1(bytes);
+    const QByteArrayView name = charset.trimmed();
+    if (isUtf8Name(name)) {
+        return QString::fromUtf8(bytes); // invalid sequences become U+FFFD
     }
-    if (set == Charset::windows1252) {
-        QString out;
-        out.reserve(bytes.size());
-        for (char byte : bytes) {
-            const auto code = static_cast<unsigned char>(byte);
-            out.append(code >= 0x80 && code < 0xA0 ? QChar(windows1252High[code - 0x80]) : QChar(char16_t(code)));
+    if (equalsNoCase(name, "ISO-8859-1") || equalsNoCase(name, "LATIN1") || equalsNoCase(name, "ISO8859-1")) {
+        return QString::fromLatin1(bytes); // the commonest after UTF-8, and needs no converter
+    }
+    // Debian's Qt is built with ICU, so QStringDecoder opens every set ICU knows under any of its names (Shift_JIS,
+    // SJIS, Big5, GB18030, KOI8-R, windows-1251 …); iconv would have needed our own buffers and error handling.
+    if (isPlainCharsetName(name)) {
+        QStringDecoder decoder(name.toByteArray().constData());
+        if (decoder.isValid()) {
+            QString text = decoder.decode(bytes);
+            // ICU writes SUB for a byte that is no character of the set; U+FFFD says so as the UTF-8 decoder does.
+            text.replace(QChar(0x1A), QChar::ReplacementCharacter);
+            return text;
         }
-        return out;
     }
-    return QString::fromUtf8(bytes); // invalid sequences become U+FFFD
+    return QString::fromUtf8(bytes); // a set nobody knows: most often UTF-8 after all
 }
 
 QList<VCardContact> VCardReader::read(QByteArrayView data, const QString &source)

@@ -43,6 +43,7 @@ public:
 
     /// Decodes quoted-printable text; a broken escape is kept as written and a final "=" is dropped.
     static QByteArray decodeQuotedPrintable(const QByteArray &encoded);
-    /// Decodes text in one of the character sets that exports use (UTF-8, ISO-8859-1, Windows-1252); others as UTF-8.
-    static QString decodeCharset(const QByteArray &bytes, const QByteArray &charset);
+    /// Decodes text in the character set a CHARSET parameter names (any the platform knows: Shift_JIS, Big5, KOI8-R,
+    /// Windows-1252 …); bytes that are no character become U+FFFD; an unknown set is read as UTF-8.
+    static QString decodeCharset(QByteArrayView bytes, QByteArrayView charset);
 };

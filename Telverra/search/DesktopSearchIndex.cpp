@@ -2,7 +2,6 @@
 
 #include "calls/CallTypes.h"
 #include "common/TextFolding.h"
-#include "contacts/ContactSearchIndex.h"
 #include "contacts/ContactsListModel.h"
 
 #include <QStringMatcher>
@@ -87,7 +86,7 @@ DesktopSearchIndex::DesktopSearchIndex(const QList<Contact> &contacts, const QLi
         Entry entry;
         entry.result.identifier = card.identifier;
         entry.result.name = ContactsListModel::displayName(card);
-        entry.name = ContactSearchIndex::searchable(entry.result.name);
+        entry.name = foldForSearch(entry.result.name);
         entry.words = entry.name.split(u' ', Qt::SkipEmptyParts);
         // In the order the contact's chips are offered: by label, then as stored.
         for (auto [groups, labels, values, isPhone] :
@@ -112,7 +111,7 @@ DesktopSearchIndex::DesktopSearchIndex(const QList<Contact> &contacts, const QLi
         entry.result.link = links[i]->telcoValue();
         const std::optional<CallTypes> type = callTypesFromRawValue(links[i]->telcoType());
         entry.result.linkKind = type ? label(*type) : QString();
-        entry.name = ContactSearchIndex::searchable(entry.result.name);
+        entry.name = foldForSearch(entry.result.name);
         entry.words = entry.name.split(u' ', Qt::SkipEmptyParts);
         entry.emails.append(entry.result.link.toLower()); // the address is searched as written
         addToHaystacks(entry, m_entries.size());
@@ -144,7 +143,7 @@ QList<DesktopSearchResult> DesktopSearchIndex::search(QStringList terms, int lim
         const QString bounded = term.left(maximumQueryLength - length);
         length += bounded.size();
         if (!bounded.trimmed().isEmpty()) {
-            folded.append(ContactSearchIndex::searchable(bounded.trimmed()));
+            folded.append(foldForSearch(bounded.trimmed()));
             digits.append(digitsOnly(bounded));
         }
     }

@@ -32,8 +32,8 @@ struct DesktopSearchResult
 };
 
 /// What the desktop's search (KRunner, GNOME Shell) finds in Telverra: contact names folded as the contacts screen
-/// folds them (case and accents), numbers by their digits whatever their layout, e-mail addresses, and the favourite
-/// meeting links by name and address. Made once per address book; a search scans it.
+/// folds them (case, accents, ø and ß), numbers by their digits whatever their layout, e-mail addresses, and the
+/// favourite meeting links by name and address. Made once per address book; a search scans it.
 class DesktopSearchIndex
 {
 public:
