@@ -37,7 +37,7 @@ bool isStructuredName(const VCardContact &contact, QStringView text)
             }
             ++at;
         }
-        if (!text.sliced(at).startsWith(*part)) {
+        if (text.size() - at < part->size() || text.sliced(at, part->size()) != *part) {
             return false;
         }
         at += part->size();

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <cstring>
 #include <string>
+#include <type_traits>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -68,9 +69,11 @@ struct Property
     QByteArrayView name;
     quint16 types = 0;
     Encoding encoding = Encoding::none;
-    QByteArray charset;   // rare: only 2.1 exports name one
-    QString customLabel;  // Android's X-CUSTOM(…)
-    QByteArray otherType; // the first type outside the known ones ("MODEM", "X-NEC-SECRET"), as written
+    QByteArray charset; // rare: only 2.1 exports name one
+    // Android's X-CUSTOM(…), or else the first type outside the known ones ("MODEM", "X-NEC-SECRET"), which counts
+    // only when the known types name no label.
+    QString customLabel;
+    bool customLabelIsType = false;
     QByteArrayView rawValue;
 };
 
@@ -215,10 +218,12 @@ constexpr TypeFlag notALabel = TypeFlag(1 << 15);
 
 quint16 typeFlag(QByteArrayView type)
 {
-    static constexpr std::pair<const char *, TypeFlag> known[] = {
-        {"CELL", cellType},  {"MOBILE", mobileType},  {"IPHONE", iphoneType}, {"MAIN", mainType}, {"PAGER", pagerType},
-        {"HOME", homeType},  {"WORK", workType},      {"OTHER", otherType},   {"FAX", faxType},   {"VOICE", notALabel},
-        {"PREF", notALabel}, {"INTERNET", notALabel}, {"TEXT", notALabel},
+    // The commonest first.
+    static constexpr std::pair<QByteArrayView, TypeFlag> known[] = {
+        {"CELL", cellType},      {"HOME", homeType},     {"WORK", workType},   {"VOICE", notALabel},
+        {"INTERNET", notALabel}, {"PREF", notALabel},    {"FAX", faxType},     {"MOBILE", mobileType},
+        {"MAIN", mainType},      {"IPHONE", iphoneType}, {"PAGER", pagerType}, {"OTHER", otherType},
+        {"TEXT", notALabel},
     };
     for (const auto &[name, flag] : known) {
         if (equalsNoCase(type, name)) {
@@ -246,9 +251,11 @@ void addTypes(Property &property, QByteArrayView list)
         const QByteArrayView type = list.sliced(start, comma - start).trimmed();
         const quint16 flag = typeFlag(type);
         property.types |= flag;
-        if (flag == 0 && property.otherType.isEmpty() && type.size() <= VCardReader::maximumValueLength) {
+        if (flag == 0 && property.customLabel.isEmpty() && type.size() <= VCardReader::maximumValueLength) {
             // A phone's own type is the label it shows; "X-" only says that it is not a standard one.
-            property.otherType = (startsWithNoCase(type, "X-") ? type.sliced(2) : type).toByteArray();
+            property.customLabel =
+                QString::fromUtf8(startsWithNoCase(type, "X-") ? type.sliced(2) : type).remove(QChar(0)).trimmed();
+            property.customLabelIsType = true;
         }
         start = comma + 1;
     }
@@ -295,6 +302,7 @@ void addParameter(Property &property, QByteArrayView parameter)
     parameter = parameter.trimmed();
     if (startsWithNoCase(parameter, "X-CUSTOM(")) {
         property.customLabel = androidCustomLabel(parameter);
+        property.customLabelIsType = false;
         return;
     }
     const qsizetype equals = find(parameter, '=', 0, parameter.size());
@@ -398,30 +406,29 @@ QString plainText(QStringView text)
 }
 
 // Where the first of a structured value's components (or of a component's list) ends: at the first unescaped
-// separator from `from` on.
-template<typename View>
-qsizetype componentEnd(View text, qsizetype from, char16_t separator = u';')
+// separator from `from` on. With `noteCommas`, whether an unescaped "," comes before it.
+template<bool noteCommas = false, typename View>
+qsizetype componentEnd(View text, qsizetype from, char16_t separator = u';', bool *comma = nullptr)
 {
     for (qsizetype i = from; i < text.size(); ++i) {
         if (text[i] == u'\\') {
             ++i;
         } else if (text[i] == separator) {
             return i;
+        } else if constexpr (noteCommas) {
+            *comma = *comma || text[i] == u',';
         }
     }
     return text.size();
 }
 
-// A component that may be a list ("Isabel,Clara"): its elements joined by single blanks.
+// A component that is a list ("Isabel,Clara"): its elements joined by single blanks.
 template<typename View>
 QString listText(View text)
 {
-    qsizetype end = componentEnd(text, 0, u',');
-    if (end == text.size()) {
-        return plainText(text);
-    }
     QStringList elements;
-    for (qsizetype start = 0; start <= text.size(); end = componentEnd(text, start, u',')) {
+    for (qsizetype start = 0, end = componentEnd(text, 0, u','); start <= text.size();
+         end = componentEnd(text, start, u',')) {
         if (QString element = plainText(text.sliced(start, end - start)); !element.isEmpty()) {
             elements.append(std::move(element));
         }
@@ -432,8 +439,8 @@ QString listText(View text)
 
 // The first `count` components of a structured value, split at unescaped ";", each at most maximumValueLength long
 // (longer ones are left empty); the rest is not looked at. With `lists`, a component's elements are joined by blanks.
-template<typename View>
-QStringList components(View text, int count, bool lists = false)
+template<bool lists, typename View>
+QStringList components(View text, int count)
 {
     QStringList parts;
     parts.reserve(count);
@@ -443,9 +450,10 @@ QStringList components(View text, int count, bool lists = false)
             parts.append(QString());
             continue;
         }
-        const qsizetype end = componentEnd(text, start);
+        bool comma = false;
+        const qsizetype end = componentEnd<lists>(text, start, u';', &comma);
         const View piece = text.sliced(start, end - start);
-        QString part = lists ? listText(piece) : plainText(piece);
+        QString part = comma ? listText(piece) : plainText(piece);
         if (part.size() > VCardReader::maximumValueLength) {
             part.clear();
         }
@@ -527,6 +535,9 @@ QByteArray decodePhoto(const Property &property)
 // Whether a CHARSET parameter names UTF-8 (or nothing): such values are taken as they are.
 bool isUtf8Name(QByteArrayView charset)
 {
+    if (charset.isEmpty()) {
+        return true;
+    }
     charset = charset.trimmed();
     return charset.isEmpty() || equalsNoCase(charset, "UTF-8") || equalsNoCase(charset, "UTF8");
 }
@@ -617,9 +628,10 @@ QStringList CardBuilder::structured(const Property &property, int count, bool li
     // ";", "," and "\" never occur inside a UTF-8 sequence, so plain values are split before they are decoded. Other
     // character sets use these bytes inside their characters (Shift_JIS and Big5 "\"): those are decoded first.
     if (isPlainUtf8(property)) {
-        return components(property.rawValue, count, lists);
+        return lists ? components<true>(property.rawValue, count) : components<false>(property.rawValue, count);
     }
-    return components(QStringView(decodedText(property)), count, lists);
+    const QString decoded = decodedText(property);
+    return lists ? components<true>(QStringView(decoded), count) : components<false>(QStringView(decoded), count);
 }
 
 void CardBuilder::labelled(QList<LabeledValue> &list, const Property &property, QString content)
@@ -627,9 +639,10 @@ void CardBuilder::labelled(QList<LabeledValue> &list, const Property &property, 
     if (content.isEmpty()) {
         return;
     }
-    QString label = !property.customLabel.isEmpty() ? property.customLabel : labelForTypes(property.types);
-    if (label.isEmpty() && !property.otherType.isEmpty()) {
-        label = QString::fromUtf8(property.otherType).remove(QChar(0)).trimmed();
+    QString label = !property.customLabel.isEmpty() && !property.customLabelIsType ? property.customLabel
+                                                                                   : labelForTypes(property.types);
+    if (label.isEmpty() && property.customLabelIsType) {
+        label = property.customLabel;
     }
     list.append({std::move(label), std::move(content)});
     if (!property.group.isEmpty()) {
