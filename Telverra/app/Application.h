@@ -1,9 +1,10 @@
 #pragma once
 
+#include "common/ApplicationId.h"
+
 /// The composition root: reads the command line, builds the platform objects and the window.
 namespace Application {
 
-inline constexpr const char *applicationId = "org.telverra.Telverra";
 /// How long the bus-activated process waits for another call before it leaves.
 inline constexpr int serviceIdleMilliseconds = 60 * 1000;
 

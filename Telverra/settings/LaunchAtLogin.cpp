@@ -1,6 +1,6 @@
 #include "LaunchAtLogin.h"
 
-#include "app/Application.h"
+#include "common/ApplicationId.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -112,7 +112,7 @@ LaunchAtLogin::LaunchAtLogin(const QString &program, const QString &sandboxInfoF
 
 QString LaunchAtLogin::helperIdentifier()
 {
-    return QString::fromLatin1(Application::applicationId) + u"-LaunchAtLoginHelper";
+    return QString::fromLatin1(applicationId) + u"-LaunchAtLoginHelper";
 }
 
 QString LaunchAtLogin::userEntry()
@@ -189,7 +189,7 @@ void LaunchAtLogin::writeEntry(bool enabled)
     QString text = entryGroup + u"\nType=Application\nName=Telverra\n";
     if (enabled) {
         text += u"Comment=Starts Telverra when you log in\nExec=" + execArgument(m_program) + u"\nTryExec=" +
-                escapedString(m_program) + u"\nIcon=" + QString::fromLatin1(Application::applicationId) +
+                escapedString(m_program) + u"\nIcon=" + QString::fromLatin1(applicationId) +
                 u"\nTerminal=false\nX-GNOME-Autostart-enabled=true\n";
     } else {
         // A system entry of the same name starts the program for every user: this one masks it.
