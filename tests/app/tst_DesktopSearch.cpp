@@ -1,18 +1,9 @@
 // The desktop's search over a private session bus: a client makes the calls KRunner and GNOME Shell make, against the
 // search served by a view model over a real address book and store, and against a process the bus starts itself.
 #include "app/DesktopSearch.h"
-#include "app/HomeWindowViewModel.h"
-#include "calls/CallsManager.h"
-#include "calls/Clipboard.h"
-#include "contacts/ContactStoreManager.h"
 #include "contacts/ContactsDataService.h"
-#include "contacts/VCardDirectoryStore.h"
 #include "favorites/FavoritesDataService.h"
-#include "recents/RecentCallsDataService.h"
-#include "settings/Preferences.h"
-#include "store/CoreDataManager.h"
-#include "support/RecordingWorkspace.h"
-#include "support/TestHome.h"
+#include "support/ViewModelFixture.h"
 
 #include <QDBusArgument>
 #include <QDBusConnection>
@@ -29,18 +20,13 @@
 #include <QStandardPaths>
 #include <QTest>
 
+#include <csignal>
+
 namespace {
 
 const QChar separator(0x1f);
 const QString krunner = u"org.kde.krunner1"_qs;
 const QString gnome = u"org.gnome.Shell.SearchProvider2"_qs;
-
-class NoClipboard : public Clipboard
-{
-public:
-    std::optional<QString> plainText() const override { return std::nullopt; }
-    void setPlainText(const QString &) override {}
-};
 
 } // namespace
 
@@ -66,15 +52,8 @@ private:
                       const QVariantList &arguments);
     QList<RemoteMatch> match(const QString &query);
 
-    TestHome m_home;
-    std::unique_ptr<Preferences> m_preferences;
-    RecordingWorkspace m_workspace;
-    NoClipboard m_clipboard;
-    std::unique_ptr<CallsManager> m_calls;
-    std::unique_ptr<CoreDataManager> m_store;
-    std::unique_ptr<VCardDirectoryStore> m_addressBook;
-    std::unique_ptr<ContactStoreManager> m_contacts;
-    std::unique_ptr<HomeWindowViewModel> m_vm;
+    std::unique_ptr<ViewModelFixture> m_app;
+    HomeWindowViewModel *m_vm = nullptr;
     std::unique_ptr<DesktopSearch> m_search;
     QStringList m_windowSearches;
     QString m_service;
@@ -85,23 +64,14 @@ void tst_DesktopSearch::initTestCase()
     if (!QDBusConnection::sessionBus().isConnected()) {
         QSKIP("no session bus");
     }
-    m_home.writeFile(
-        u".local/share/contacts/people/people.vcf"_qs,
+    m_app = std::make_unique<ViewModelFixture>(
         "BEGIN:VCARD\nUID:ana\nN:García;Ana;;;\nTEL;TYPE=CELL:+34 600 111 222\nEMAIL;TYPE=WORK:ana@example.org\n"
         "END:VCARD\nBEGIN:VCARD\nUID:angel\nN:Ruiz;Ángel;;;\nTEL:+34 611 000 000\nEND:VCARD\n"
         "BEGIN:VCARD\nUID:anabel\nN:Ortiz;Anabel;;;\nEMAIL:anabel@example.org\nEND:VCARD\n"
         "BEGIN:VCARD\nUID:juana\nN:Pérez;Juana;;;\nTEL:+34 622 000 000\nEND:VCARD\n"
         "BEGIN:VCARD\nUID:3m\nORG:3M\nEND:VCARD\n");
-    m_preferences = std::make_unique<Preferences>(Preferences::defaultFilePath());
-    m_preferences->setValue(PreferenceKey::useChromeAsDefaultBrowser, false);
-    m_calls = std::make_unique<CallsManager>(m_workspace, *m_preferences, m_clipboard);
-    m_store = std::make_unique<CoreDataManager>(m_home.dataHome() + u"/telverra/Telverra.sqlite");
-    m_addressBook = std::make_unique<VCardDirectoryStore>();
-    m_contacts = std::make_unique<ContactStoreManager>(*m_addressBook);
-    HomeWindowViewModel::Environment environment{m_preferences.get(), m_calls.get(), m_store.get(), m_contacts.get(),
-                                                 &m_clipboard};
-    environment.headless = true;
-    m_vm = std::make_unique<HomeWindowViewModel>(environment);
+    m_app->environment.headless = true;
+    m_vm = &m_app->makeViewModel();
     QTRY_COMPARE(m_vm->allContacts().size(), 5);
     m_vm->favoritesDataService().addFavoriteTelco(u"Standup"_qs, u"zoom"_qs, u"https://zoom.us/j/5551234567"_qs);
     m_vm->favoritesDataService().fetchFavoriteTelcos();
@@ -113,7 +83,7 @@ void tst_DesktopSearch::initTestCase()
 void tst_DesktopSearch::cleanupTestCase()
 {
     m_search.reset();
-    m_vm.reset();
+    m_app.reset();
 }
 
 // A call as the desktop's shell makes it, from a connection of its own; the events go on meanwhile, so that this
@@ -200,8 +170,8 @@ void tst_DesktopSearch::gnomeResults()
                                 .arguments()
                                 .value(0)
                                 .toStringList();
-    QCOMPARE(sub.size(), 3);               // Ana García's three
-    QVERIFY(m_workspace.opened.isEmpty()); // searching launches nothing
+    QCOMPARE(sub.size(), 3);                    // Ana García's three
+    QVERIFY(m_app->workspace.opened.isEmpty()); // searching launches nothing
 }
 
 void tst_DesktopSearch::launchesRecordTheirContact_data()
@@ -230,7 +200,7 @@ void tst_DesktopSearch::launchesRecordTheirContact()
     QFETCH(QString, opened);
     QFETCH(QString, callType);
     QFETCH(QString, contactID);
-    m_workspace.opened.clear();
+    m_app->workspace.opened.clear();
     const QList<RecentCallEntityPtr> before = m_vm->allRecentCalls();
     if (host == u"krunner") {
         const QList<RemoteMatch> matches = match(query);
@@ -244,7 +214,7 @@ void tst_DesktopSearch::launchesRecordTheirContact()
                                     .toStringList();
         call(path, gnome, u"ActivateResult"_qs, {ids.value(launch.toInt()), QStringList{query}, 0u});
     }
-    QTRY_COMPARE(m_workspace.opened, QStringList{opened});
+    QTRY_COMPARE(m_app->workspace.opened, QStringList{opened});
     QTRY_COMPARE(m_vm->allRecentCalls().size(), before.size() + 1); // read again after the record is saved
     // The new record (launches a millisecond apart may share their date, so it need not be the first).
     RecentCallEntityPtr newest;
@@ -260,7 +230,7 @@ void tst_DesktopSearch::launchesRecordTheirContact()
 
 void tst_DesktopSearch::badInput()
 {
-    m_workspace.opened.clear();
+    m_app->workspace.opened.clear();
     const QString path = QString::fromLatin1(GnomeSearchProvider::path);
     QVERIFY(match(QString()).isEmpty());
     QVERIFY(match(u"\u0000\u202e \t\n"_qs).isEmpty());
@@ -280,7 +250,7 @@ void tst_DesktopSearch::badInput()
     QCOMPARE(call(path, gnome, u"GetResultMetas"_qs, {QStringList{forged, u"\u0000"_qs}}).type(),
              QDBusMessage::ReplyMessage);
     QTest::qWait(100);
-    QCOMPARE(m_workspace.opened, QStringList());
+    QCOMPARE(m_app->workspace.opened, QStringList());
 }
 
 void tst_DesktopSearch::launchSearchOpensTheContactsScreen()
@@ -323,9 +293,8 @@ void tst_DesktopSearch::aQueryWaitsForTheAddressBook()
     home.writeFile(u".local/share/contacts/many/many.vcf"_qs, cards);
     VCardDirectoryStore addressBook;
     ContactStoreManager contacts(addressBook);
-    HomeWindowViewModel::Environment environment{m_preferences.get(), m_calls.get(), m_store.get(), &contacts,
-                                                 &m_clipboard};
-    environment.headless = true;
+    HomeWindowViewModel::Environment environment = m_app->environment;
+    environment.contactStore = &contacts;
     HomeWindowViewModel viewModel(environment);
     DesktopSearch search(viewModel, [](const QString &) {});
     QDBusConnection server = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"starting"_qs);
@@ -353,8 +322,7 @@ void tst_DesktopSearch::servedByAnActivatedProcess()
     TestHome home;
     home.writeFile(u".local/share/contacts/people/ana.vcf"_qs,
                    "BEGIN:VCARD\nUID:ana\nN:García;Ana;;;\nTEL;TYPE=CELL:+34 600 111 222\nEND:VCARD\n");
-    const QString log = home.path() + u"/opened.log";
-    QVERIFY(home.registerRecordingHandler({u"tel"_qs}, log));
+    QVERIFY(home.registerRecordingHandler({u"tel"_qs}, home.path() + u"/opened.log"));
     home.writeFile(u"services/org.telverra.Telverra.service"_qs,
                    "[D-BUS Service]\nName=org.telverra.Telverra\nExec=" TELVERRA_EXECUTABLE
                    " --gapplication-service\n");
@@ -389,11 +357,8 @@ void tst_DesktopSearch::servedByAnActivatedProcess()
         run << matches.first().id << u"call"_qs;
         QCOMPARE(bus.call(run, QDBus::Block, 10000).type(), QDBusMessage::ReplyMessage);
         const uint pid = bus.interface()->servicePid(u"org.telverra.Telverra"_qs);
-        QTRY_VERIFY(QFile::exists(log));
-        QFile opened(log);
-        QVERIFY(opened.open(QIODevice::ReadOnly));
-        QCOMPARE(opened.readAll(), QByteArray("tel:+34600111222\n"));
-        QProcess::execute(u"kill"_qs, {QString::number(pid)});
+        QTRY_COMPARE(home.lines(u"opened.log"_qs), QStringList{u"tel:+34600111222"_qs});
+        ::kill(static_cast<pid_t>(pid), SIGTERM);
     }
     QDBusConnection::disconnectFromBus(u"activation"_qs);
     daemon.kill();

@@ -9,10 +9,7 @@ class tst_CallTypes : public QObject
 private Q_SLOTS:
     void table_data();
     void table();
-    void fromRawValue_data();
-    void fromRawValue();
-    void prefixByTag_data();
-    void prefixByTag();
+    void outsideTheTable();
     void queryEncoding_data();
     void queryEncoding();
 };
@@ -65,47 +62,20 @@ void tst_CallTypes::table()
     QCOMPARE(CallsManager::icon(type), icon);
     QCOMPARE(isAssetImage(icon), icon.startsWith(u"icon_"));
     QCOMPARE(launchPrefix(type), prefix);
+    QCOMPARE(launchPrefixForTag(tag), prefix);
     QCOMPARE(callTypesFromRawValue(raw), std::optional<CallTypes>(type));
     QCOMPARE(caseName(type), QString::fromLatin1(QTest::currentDataTag()));
 }
 
-void tst_CallTypes::fromRawValue_data()
+void tst_CallTypes::outsideTheTable()
 {
-    QTest::addColumn<QString>("raw");
-    QTest::addColumn<bool>("known");
-    QTest::newRow("case name, not raw value") << u"googleMeet"_qs << false;
-    QTest::newRow("capitalised") << u"Telephone"_qs << false;
-    QTest::newRow("trailing blank") << u"zoom "_qs << false;
-    QTest::newRow("empty") << QString() << false;
-    QTest::newRow("accessor default") << u"unknown type"_qs << false;
-    QTest::newRow("meet") << u"meet"_qs << true;
-    QTest::newRow("with a blank") << u"not recognized"_qs << true;
-}
-
-void tst_CallTypes::fromRawValue()
-{
-    QFETCH(QString, raw);
-    QFETCH(bool, known);
-    QCOMPARE(callTypesFromRawValue(raw).has_value(), known);
-}
-
-void tst_CallTypes::prefixByTag_data()
-{
-    QTest::addColumn<int>("tag");
-    QTest::addColumn<QString>("prefix");
-    QTest::newRow("0") << 0 << u"tel://"_qs;
-    QTest::newRow("9") << 9 << u"https://meet.google.com/new"_qs;
-    QTest::newRow("10") << 10 << QString();
-    QTest::newRow("13") << 13 << QString();
-    QTest::newRow("1000") << 1000 << QString();
-    QTest::newRow("-1") << -1 << QString();
-}
-
-void tst_CallTypes::prefixByTag()
-{
-    QFETCH(int, tag);
-    QFETCH(QString, prefix);
-    QCOMPARE(launchPrefixForTag(tag), prefix);
+    // A case name is not a raw value; nor is a raw value in another case, with a blank, or the accessor's default.
+    for (const QString &raw : {u"googleMeet"_qs, u"Telephone"_qs, u"zoom "_qs, QString(), u"unknown type"_qs}) {
+        QVERIFY2(!callTypesFromRawValue(raw), qPrintable(raw));
+    }
+    for (int tag : {14, 1000, -1}) {
+        QCOMPARE(launchPrefixForTag(tag), QString());
+    }
 }
 
 void tst_CallTypes::queryEncoding_data()

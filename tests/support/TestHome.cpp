@@ -78,3 +78,16 @@ bool TestHome::registerRecordingHandler(const QStringList &schemes, const QStrin
                 .isEmpty() &&
            !writeFile(u".config/mimeapps.list"_qs, defaults).isEmpty();
 }
+
+QString TestHome::writeRecorder(const QString &relativePath, const QString &log) const
+{
+    return writeScript(relativePath, "#!/bin/sh\nfor a in \"$@\"; do printf '%s\\n' \"$a\"; done >> \"" +
+                                         QFile::encodeName(QDir(m_dir.path()).filePath(log)) + "\"\n");
+}
+
+QStringList TestHome::lines(const QString &path) const
+{
+    QFile file(QDir(m_dir.path()).filePath(path));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts)
+                                          : QStringList();
+}

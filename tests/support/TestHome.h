@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
 /// A throw-away home: HOME and the XDG folders point into a temporary directory for as long as this lives.
@@ -25,6 +26,11 @@ public:
     /// with is appended to `log`, one line each. `startable` false: an application that runs in a terminal, which
     /// GIO refuses to start when there is no terminal on the PATH.
     bool registerRecordingHandler(const QStringList &schemes, const QString &log, bool startable = true) const;
+    /// Writes an executable that appends each argument it is given, one a line, to `log` (a stand-in for a browser);
+    /// returns its absolute path.
+    QString writeRecorder(const QString &relativePath, const QString &log) const;
+    /// The lines of a file (below the home when the path is relative); none when it does not exist.
+    QStringList lines(const QString &path) const;
 
 private:
     QTemporaryDir m_dir;
