@@ -207,7 +207,8 @@ void tst_CommandLine::forwardedToRunningWindow()
     const QString script = QStringLiteral(R"(
 "$TELVERRA" > "$WORK/window.out" 2>&1 &
 window=$!
-for i in $(seq 100); do
+# As long as a loaded machine needs to start it; the command below must find it running.
+for i in $(seq 900); do
     dbus-send --session --print-reply --dest=org.freedesktop.DBus / org.freedesktop.DBus.NameHasOwner         string:org.telverra.Telverra 2>/dev/null | grep -q 'boolean true' && break
     sleep 0.1
 done
@@ -234,7 +235,7 @@ wait $window
     session.setProcessEnvironment(environment);
     const QStringList before = opened();
     session.start(u"dbus-run-session"_qs, {u"--"_qs, u"sh"_qs, u"-c"_qs, script});
-    QVERIFY(session.waitForFinished(60000));
+    QVERIFY(session.waitForFinished(150000));
     auto read = [this](const QString &name) {
         QFile file(m_home.path() + u'/' + name);
         return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
