@@ -236,10 +236,7 @@ wait $window
     const QStringList before = opened();
     session.start(u"dbus-run-session"_qs, {u"--"_qs, u"sh"_qs, u"-c"_qs, script});
     QVERIFY(session.waitForFinished(150000));
-    auto read = [this](const QString &name) {
-        QFile file(m_home.path() + u'/' + name);
-        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-    };
+    auto read = [this](const QString &name) { return m_home.read(name); };
     QCOMPARE(read(u"command.status"_qs).trimmed(), u"0"_qs);
     QVERIFY2(read(u"window.out"_qs).contains(u"call launced with number: 700-1"_qs),
              qPrintable(read(u"window.out"_qs)));

@@ -2,27 +2,13 @@
 // seconds (one is allowed, for a minute of the clock that turns over). Frames are counted, so a slow machine only
 // makes fewer of them.
 #include "app/CursorBlinkTimeout.h"
-#include "app/HomeWindowViewModel.h"
-#include "app/SymbolIconProvider.h"
-#include "calls/CallsManager.h"
-#include "calls/Clipboard.h"
-#include "contacts/ContactPhotoProvider.h"
-#include "contacts/ContactStoreManager.h"
 #include "contacts/ContactsDataService.h"
-#include "contacts/VCardDirectoryStore.h"
 #include "favorites/FavoritesDataService.h"
 #include "recents/RecentCallsDataService.h"
-#include "settings/DeploymentSettings.h"
-#include "settings/Preferences.h"
-#include "store/CoreDataManager.h"
-#include "support/LoopbackHttpServer.h"
-#include "support/RecordingWorkspace.h"
-#include "support/ScriptedLocation.h"
-#include "support/TestHome.h"
+#include "support/ViewModelFixture.h"
 
 #include <QDeadlineTimer>
 #include <QFile>
-#include <QNetworkAccessManager>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickStyle>
@@ -51,29 +37,10 @@ class tst_IdleWindow : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase();
+    void initTestCase() { QQuickStyle::setStyle(u"Fusion"_qs); }
     void screenAtRestDrawsNothing_data();
     void screenAtRestDrawsNothing();
-
-private:
-    TestHome m_home;
-    LoopbackHttpServer m_server;
 };
-
-void tst_IdleWindow::initTestCase()
-{
-    QQuickStyle::setStyle(u"Fusion"_qs);
-    m_home.writeFile(u".local/share/contacts/people/people.vcf"_qs,
-                     "BEGIN:VCARD\nUID:ana\nN:García;Ana;;;\nTEL;TYPE=CELL:+34 600 111 222\nEND:VCARD\n"
-                     "BEGIN:VCARD\nUID:bob\nN:Smith;Bob;;;\nEMAIL:bob@example.org\nEND:VCARD\n");
-    QVERIFY(m_server.listen());
-    QFile onecall(QStringLiteral(TELVERRA_TEST_DATA "/onecall.json"));
-    QVERIFY(onecall.open(QIODevice::ReadOnly));
-    m_server.setResponse(u"/data/2.5/onecall"_qs, 200, "application/json", onecall.readAll());
-    m_home.writeFile(u"Info.ini"_qs, (u"[General]\nWEATHER_API_KEY=k\nWEATHER_API_BASE_URL=" + m_server.baseUrl() +
-                                      u"\nQUOTE_SERVICE_BASE_URL=" + m_server.baseUrl())
-                                         .toUtf8());
-}
 
 void tst_IdleWindow::screenAtRestDrawsNothing_data()
 {
@@ -96,29 +63,16 @@ void tst_IdleWindow::screenAtRestDrawsNothing()
 {
     QFETCH(QString, screen);
     QFETCH(bool, quoteServed);
+    ViewModelFixture app("BEGIN:VCARD\nUID:ana\nN:García;Ana;;;\nTEL;TYPE=CELL:+34 600 111 222\nEND:VCARD\n"
+                         "BEGIN:VCARD\nUID:bob\nN:Smith;Bob;;;\nEMAIL:bob@example.org\nEND:VCARD\n");
+    app.serveQuotes();
+    QVERIFY(app.serveWeather());
     const QByteArray quote = R"({"language":"en","text":"Less is more."})";
     for (const QString &path : {u"/randomquote/en_US"_qs, u"/randomquote/es_ES"_qs}) {
-        m_server.setResponse(path, quoteServed ? 200 : 503, "application/json", quoteServed ? quote : QByteArray());
+        app.server.setResponse(path, quoteServed ? 200 : 503, "application/json", quoteServed ? quote : QByteArray());
     }
-    const qsizetype quoteRequests = m_server.requests().filter(u"/randomquote/"_qs).size();
-
-    QTemporaryDir dir;
-    Preferences preferences(dir.path() + u"/telverra.conf");
-    preferences.setValue(PreferenceKey::fixedQuoteOnStartup, true);
-    RecordingWorkspace workspace;
-    SystemClipboard clipboard;
-    CallsManager calls(workspace, preferences, clipboard);
-    CoreDataManager store(dir.path() + u"/Telverra.sqlite");
-    VCardDirectoryStore addressBook;
-    ContactStoreManager contacts(addressBook);
-    QNetworkAccessManager network;
-    DeploymentSettings deployment(m_home.path() + u"/Info.ini");
-    ScriptedServices location;
-    location.status = LocationManager::authorizedWhenInUse;
-    location.position = QGeoCoordinate(28.4636, -16.2518);
-    ScriptedGeocoder geocoder;
-    HomeWindowViewModel viewModel(HomeWindowViewModel::Environment{&preferences, &calls, &store, &contacts, &clipboard,
-                                                                   &network, &deployment, &location, &geocoder});
+    app.preferences->setValue(PreferenceKey::fixedQuoteOnStartup, true);
+    HomeWindowViewModel &viewModel = app.makeViewModel();
     viewModel.contactsDataService().allowBackgroundReading();
     viewModel.recentCallsDataService().addRecentCall(u"+34 600 111 222"_qs, CallTypes::telephone, u"ana"_qs, {});
     viewModel.recentCallsDataService().fetchRecentCalls();
@@ -128,11 +82,7 @@ void tst_IdleWindow::screenAtRestDrawsNothing()
 
     const CursorBlinkTimeout cursorBlinkTimeout(std::chrono::seconds(1));
     QQmlApplicationEngine engine;
-    engine.addImportPath(u"qrc:/qt/qml"_qs);
-    engine.addImageProvider(u"symbols"_qs, new SymbolIconProvider);
-    const ContactsDataService *service = &viewModel.contactsDataService();
-    engine.addImageProvider(u"contactphoto"_qs,
-                            new ContactPhotoProvider([service](const QString &id) { return service->record(id); }));
+    app.prepareEngine(engine);
     engine.setInitialProperties({{u"viewModel"_qs, QVariant::fromValue(&viewModel)}});
     engine.load(QUrl(u"qrc:/qt/qml/Telverra/app/Main.qml"_qs));
     auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
@@ -142,7 +92,7 @@ void tst_IdleWindow::screenAtRestDrawsNothing()
     // The address book is read at the lowest priority: on a busy machine that takes its time.
     QTRY_VERIFY_WITH_TIMEOUT(window->property("loaded").toBool() && viewModel.contactsDataService().hasLoaded() &&
                                  viewModel.weatherInfo().has_value() &&
-                                 m_server.requests().filter(u"/randomquote/"_qs).size() > quoteRequests,
+                                 !app.server.requests().filter(u"/randomquote/"_qs).isEmpty(),
                              60000);
     QTRY_COMPARE(viewModel.randomQuote().isEmpty(), !quoteServed);
 

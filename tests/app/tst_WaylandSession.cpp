@@ -18,12 +18,6 @@ namespace {
 
 const QString launchedNumber = QStringLiteral("+34600123456");
 
-QString readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
 QString digits(const QString &text)
 {
     QString result;
@@ -50,8 +44,8 @@ private:
     // Runs a program of the session to its end; its standard output, nothing when it failed.
     std::optional<QString> run(const QString &program, const QStringList &arguments, const QByteArray &input = {},
                                const QString &token = {});
-    QStringList dialled() const;
-    QString windowLog() const { return readFile(m_home.path() + u"/window.err"); }
+    QStringList dialled() const { return m_home.lines(u"dialled.log"_qs); }
+    QString windowLog() const { return m_home.read(u"window.err"_qs); }
 
     TestHome m_home;
     QProcessEnvironment m_session;
@@ -71,19 +65,7 @@ void tst_WaylandSession::initTestCase()
     for (const char *name : {"XDG_CURRENT_DESKTOP", "DESKTOP_SESSION", "XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"}) {
         qunsetenv(name);
     }
-    const QString recorder =
-        m_home.writeFile(u"bin/recorder"_qs, "#!/bin/sh\nprintf '%s\\n' \"$1\" >> \"" +
-                                                 QFile::encodeName(m_home.path()) + "/dialled.log\"\n");
-    QVERIFY(QFile::setPermissions(recorder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    QVERIFY(!m_home
-                 .writeFile(u".local/share/applications/telverra-recorder.desktop"_qs,
-                            "[Desktop Entry]\nType=Application\nName=Recorder\nExec=" + QFile::encodeName(recorder) +
-                                " %u\nMimeType=x-scheme-handler/tel;\n")
-                 .isEmpty());
-    QVERIFY(!m_home
-                 .writeFile(u".config/mimeapps.list"_qs,
-                            "[Default Applications]\nx-scheme-handler/tel=telverra-recorder.desktop\n")
-                 .isEmpty());
+    QVERIFY(m_home.registerRecordingHandler({u"tel"_qs}, m_home.path() + u"/dialled.log"));
 
     const QString socket = u"telverra-test-"_qs + QString::number(QCoreApplication::applicationPid());
     m_session = QProcessEnvironment::systemEnvironment();
@@ -99,7 +81,7 @@ void tst_WaylandSession::initTestCase()
                         {u"--nested"_qs, u"--wayland"_qs, u"--no-x11"_qs, u"--wayland-display"_qs, socket});
     QVERIFY(m_compositor->waitForStarted());
     const QString socketPath = qEnvironmentVariable("XDG_RUNTIME_DIR") + u'/' + socket;
-    QTRY_VERIFY2_WITH_TIMEOUT(QFile::exists(socketPath), qPrintable(readFile(m_home.path() + u"/mutter.log")), 60000);
+    QTRY_VERIFY2_WITH_TIMEOUT(QFile::exists(socketPath), qPrintable(m_home.read(u"mutter.log"_qs)), 60000);
 
     // The window, which reports its Wayland traffic: the focus it gains and the activations it asks for.
     m_window = std::make_unique<QProcess>();
@@ -142,11 +124,6 @@ std::optional<QString> tst_WaylandSession::run(const QString &program, const QSt
         return std::nullopt;
     }
     return QString::fromUtf8(process.readAllStandardOutput());
-}
-
-QStringList tst_WaylandSession::dialled() const
-{
-    return readFile(m_home.path() + u"/dialled.log").split(u'\n', Qt::SkipEmptyParts);
 }
 
 void tst_WaylandSession::callFromClipboardDialsWhatTheDesktopHolds_data()
@@ -193,7 +170,7 @@ void tst_WaylandSession::callFromClipboardDialsWhatTheDesktopHolds()
             windowLog().sliced(logBefore).contains(QRegularExpression(u"wl_keyboard@\\d+\\.leave\\("_qs)), 30000);
     }
     const QString windowOutput = m_home.path() + u"/window.out";
-    const qsizetype outputBefore = readFile(windowOutput).size();
+    const qsizetype outputBefore = m_home.read(windowOutput).size();
     QVERIFY(run(QStringLiteral(TELVERRA_EXECUTABLE), {u"--action"_qs, u"call-from-clipboard"_qs}, {},
                 withToken ? token : QString()));
 
@@ -207,10 +184,10 @@ void tst_WaylandSession::callFromClipboardDialsWhatTheDesktopHolds()
             QCOMPARE(launcher.readLine().trimmed(), QByteArray("left"));
         }
     } else {
-        QTRY_VERIFY2_WITH_TIMEOUT(readFile(windowOutput)
+        QTRY_VERIFY2_WITH_TIMEOUT(m_home.read(windowOutput)
                                       .sliced(outputBefore)
                                       .contains(u"can read the clipboard only while its window is in front"_qs),
-                                  qPrintable(readFile(windowOutput).sliced(outputBefore)), 30000);
+                                  qPrintable(m_home.read(windowOutput).sliced(outputBefore)), 30000);
         QCOMPARE(dialled().size(), before + 1);
     }
     // Nothing of the window's own overwrote what the other program copied.

@@ -12,12 +12,6 @@
 
 namespace {
 
-QString read(const QString &file)
-{
-    QFile in(file);
-    return in.open(QIODevice::ReadOnly) ? QString::fromUtf8(in.readAll()) : QString();
-}
-
 // The desktop's Background portal, answering every request with what was asked, as a user who agrees would.
 class AgreeingPortal : public QObject, protected QDBusContext
 {
@@ -107,7 +101,7 @@ void tst_LaunchAtLogin::entryStartsThisProgram()
     QCOMPARE(changed.size(), 3);
     QCOMPARE(LaunchAtLogin::userEntry(),
              QString(m_home->configHome() + u"/autostart/org.telverra.Telverra-LaunchAtLoginHelper.desktop"));
-    const QString entry = read(LaunchAtLogin::userEntry());
+    const QString entry = m_home->read(LaunchAtLogin::userEntry());
     QVERIFY2(entry.startsWith(u"[Desktop Entry]\nType=Application\n"), qPrintable(entry));
     for (const QString &line : {u"Exec=\"/opt/My Apps/telverra\""_qs, u"TryExec=/opt/My Apps/telverra"_qs,
                                 u"X-GNOME-Autostart-enabled=true"_qs}) {
@@ -123,10 +117,10 @@ void tst_LaunchAtLogin::systemEntryIsMasked()
     QVERIFY(launch.isEnabled()); // the system's entry starts it
     launch.setEnabled(false);
     QVERIFY(!launch.isEnabled());
-    QVERIFY(read(LaunchAtLogin::userEntry()).contains(u"\nHidden=true\n"));
+    QVERIFY(m_home->read(LaunchAtLogin::userEntry()).contains(u"\nHidden=true\n"));
     launch.setEnabled(true);
     QVERIFY(launch.isEnabled());
-    QVERIFY(!read(LaunchAtLogin::userEntry()).contains(u"Hidden"));
+    QVERIFY(!m_home->read(LaunchAtLogin::userEntry()).contains(u"Hidden"));
 }
 
 void tst_LaunchAtLogin::readBack_data()

@@ -1,25 +1,6 @@
 #pragma once
 
-#include "support/LoopbackHttpServer.h"
-#include "support/RecordingWorkspace.h"
-#include "support/ScriptedLocation.h"
-#include "support/TestHome.h"
-
-#include "calls/Clipboard.h"
-
-#include <QNetworkAccessManager>
-
-#include <memory>
-
-class CallsManager;
-class ContactStoreManager;
-class CoreDataManager;
-class DeploymentSettings;
-class HomeWindowViewModel;
-class Preferences;
-class QQmlEngine;
-class VCardDirectoryStore;
-class BrowserTabSource;
+#include "support/ViewModelFixture.h"
 
 /// The application as a user meets it, in process: a real view model over a temporary home and store, an address-book
 /// folder, the real clipboard, a recording opener, a weather document served on 127.0.0.1, and a QML engine set up as
@@ -32,35 +13,18 @@ public:
     static const char *const defaultAddressBook;
 
     explicit AppEnvironment(const QByteArray &addressBook = defaultAddressBook);
-    ~AppEnvironment();
-    AppEnvironment(const AppEnvironment &) = delete;
-    AppEnvironment &operator=(const AppEnvironment &) = delete;
 
     /// Whether everything could be set up (the home, the server, the weather document).
     bool isValid() const { return m_valid; }
-    HomeWindowViewModel &viewModel() { return *m_viewModel; }
-    Preferences &preferences() { return *m_preferences; }
-    RecordingWorkspace &workspace() { return m_workspace; }
-    const TestHome &home() const { return m_home; }
-    QString storeFile() const;
+    HomeWindowViewModel &viewModel() { return *m_app.viewModel; }
+    Preferences &preferences() { return *m_app.preferences; }
+    RecordingWorkspace &workspace() { return m_app.workspace; }
+    const TestHome &home() const { return m_app.home; }
+    QString storeFile() const { return m_app.storeFile(); }
     /// The import path and the image providers the program's windows use.
-    void prepareEngine(QQmlEngine &engine);
+    void prepareEngine(QQmlEngine &engine) { m_app.prepareEngine(engine); }
 
 private:
+    ViewModelFixture m_app;
     bool m_valid = false;
-    TestHome m_home;
-    LoopbackHttpServer m_server;
-    QNetworkAccessManager m_network;
-    std::unique_ptr<DeploymentSettings> m_deployment;
-    std::unique_ptr<Preferences> m_preferences;
-    RecordingWorkspace m_workspace;
-    SystemClipboard m_clipboard;
-    std::unique_ptr<BrowserTabSource> m_tabs;
-    std::unique_ptr<CallsManager> m_calls;
-    std::unique_ptr<CoreDataManager> m_store;
-    std::unique_ptr<VCardDirectoryStore> m_addressBook;
-    std::unique_ptr<ContactStoreManager> m_contacts;
-    ScriptedServices m_location;
-    ScriptedGeocoder m_geocoder;
-    std::unique_ptr<HomeWindowViewModel> m_viewModel;
 };

@@ -85,9 +85,13 @@ QString TestHome::writeRecorder(const QString &relativePath, const QString &log)
                                          QFile::encodeName(QDir(m_dir.path()).filePath(log)) + "\"\n");
 }
 
-QStringList TestHome::lines(const QString &path) const
+QString TestHome::read(const QString &path) const
 {
     QFile file(QDir(m_dir.path()).filePath(path));
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts)
-                                          : QStringList();
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+QStringList TestHome::lines(const QString &path) const
+{
+    return read(path).split(u'\n', Qt::SkipEmptyParts);
 }

@@ -29,7 +29,9 @@ public:
     /// Writes an executable that appends each argument it is given, one a line, to `log` (a stand-in for a browser);
     /// returns its absolute path.
     QString writeRecorder(const QString &relativePath, const QString &log) const;
-    /// The lines of a file (below the home when the path is relative); none when it does not exist.
+    /// The text of a file (below the home when the path is relative); empty when it does not exist.
+    QString read(const QString &path) const;
+    /// Its lines, the empty ones left out.
     QStringList lines(const QString &path) const;
 
 private:

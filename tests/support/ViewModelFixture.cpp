@@ -1,5 +1,12 @@
 #include "ViewModelFixture.h"
 
+#include "app/SymbolIconProvider.h"
+#include "contacts/ContactPhotoProvider.h"
+#include "contacts/ContactsDataService.h"
+
+#include <QFile>
+#include <QQmlEngine>
+
 ViewModelFixture::ViewModelFixture(const QByteArray &cards)
 {
     home.writeFile(u".local/share/contacts/people/people.vcf"_qs, cards);
@@ -26,6 +33,25 @@ void ViewModelFixture::serveQuotes()
                                         u"\nQUOTE_SERVICE_BASE_URL=" + server.baseUrl())
                                            .toUtf8()));
     environment.deployment = deployment.get();
+}
+
+bool ViewModelFixture::serveWeather()
+{
+    QFile onecall(QStringLiteral(TELVERRA_WEATHER_FIXTURE));
+    if (!server.isListening() || !onecall.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    server.setResponse(u"/data/2.5/onecall"_qs, 200, "application/json", onecall.readAll());
+    return true;
+}
+
+void ViewModelFixture::prepareEngine(QQmlEngine &engine)
+{
+    engine.addImportPath(u"qrc:/qt/qml"_qs);
+    engine.addImageProvider(u"symbols"_qs, new SymbolIconProvider);
+    const ContactsDataService *service = &viewModel->contactsDataService();
+    engine.addImageProvider(u"contactphoto"_qs,
+                            new ContactPhotoProvider([service](const QString &id) { return service->record(id); }));
 }
 
 ViewModelFixture::~ViewModelFixture()

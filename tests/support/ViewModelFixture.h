@@ -16,6 +16,8 @@
 
 #include <QNetworkAccessManager>
 
+class QQmlEngine;
+
 /// The tabs a browser reports to the meeting search: `answer`, or nothing when it cannot be asked.
 class FixedTabs : public BrowserTabSource
 {
@@ -35,6 +37,10 @@ public:
 
     /// Info.ini names the loopback server for the quotes too.
     void serveQuotes();
+    /// The server answers the weather with the recorded document of La Laguna; false when it cannot.
+    bool serveWeather();
+    /// The import path and the image providers the program's windows use.
+    void prepareEngine(QQmlEngine &engine);
 
     /// Builds the view model; `environment` may be changed first.
     HomeWindowViewModel &makeViewModel();
