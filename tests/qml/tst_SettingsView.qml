@@ -17,7 +17,6 @@ TestCase {
         verify(settings)
         settings.requestActivate()
         tryVerify(() => settings.active)
-        return settings
     }
     function find(name) { return findChild(settings.contentItem, name) }
     function showTab(label) {
@@ -28,21 +27,19 @@ TestCase {
 
     function test_aFreshInstallation() {
         // The same services, over a preference store nothing was written to.
-        const fresh = Qt.createQmlObject(`import QtQml
+        open(createTemporaryQmlObject(`import QtQml
             QtObject {
                 property var preferences: testSupport.freshPreferences()
                 property var weatherInfoService: viewModel.weatherInfoService
                 property var corelocationDataService: viewModel.corelocationDataService
                 property var recentCallsDataService: viewModel.recentCallsDataService
                 property var favoritesDataService: viewModel.favoritesDataService
-            }`, testCase)
-        open(fresh)
-        const expected = { useChromeAsDefaultBrowser: true, copyNumberURLToClipBoard: true, updateWeatherInfoEveryHour: true,
-                           fixedQuoteOnStartup: false, quickActionIsSetForPhoneCalls: true, quickActionIsSetForEmails: true,
-                           quickActionIsSetForText: true, quickActionIsSetForFacetimeCalls: false,
-                           quickActionIsSetForFacetimeAudioCalls: false, quickActionIsSetForSkype: false }
-        for (const key of Object.keys(expected))
-            compare(find(key).checked, expected[key], key)
+            }`, testCase))
+        const on = ["useChromeAsDefaultBrowser", "copyNumberURLToClipBoard", "updateWeatherInfoEveryHour",
+                    "quickActionIsSetForPhoneCalls", "quickActionIsSetForEmails", "quickActionIsSetForText"]
+        for (const key of on.concat(["fixedQuoteOnStartup", "quickActionIsSetForFacetimeCalls",
+                                     "quickActionIsSetForFacetimeAudioCalls", "quickActionIsSetForSkype"]))
+            compare(find(key).checked, on.includes(key), key)
     }
 
     // Each switch writes its key, and those with more to do do it: the weather timer runs, the autostart entry is there.
@@ -63,8 +60,7 @@ TestCase {
         tryCompare(toggle, "visible", true)
         compare(toggle.checked, before)
         mouseClick(toggle)
-        compare(data.effect(), !before)
-        compare(toggle.checked, !before)
+        compare([data.effect(), toggle.checked], [!before, !before])
         mouseClick(toggle)
         compare(data.effect(), before)
     }
@@ -75,8 +71,7 @@ TestCase {
         showTab("Quick Actions")
         const phone = find("handler-telephone")
         tryCompare(phone, "visible", true)
-        compare(phone.text, "No application installed")
-        compare(phone.Accessible.name, phone.text)
+        compare([phone.text, phone.Accessible.name], ["No application installed", "No application installed"])
         verify(Qt.colorEqual(phone.color, "#e08a00"))
         const messages = find("handler-messages")
         compare(messages.text, "Opens in Recorder")
@@ -88,40 +83,39 @@ TestCase {
         tryCompare(phone, "text", "Opens in Recorder")
     }
 
-    function test_resetAsksFirst() {
-        open()
-        showTab("Reset")
+    // Each reset asks first: dismissed, nothing is deleted; confirmed, all of it at once. An alert of no type only says so.
+    function test_resetAsksFirst_data() {
+        return [
+            { tag: "links, dismissed", ask: "resetFavoriteTelcos", title: "Reset favorite telcos", answer: "dismissReset",
+              model: "favoriteTelcosModel", left: count => count },
+            { tag: "history, confirmed", ask: "resetCallsHistory", title: "Reset recent calls history",
+              answer: "confirmReset", model: "recentCallsModel", left: count => 0 },
+            { tag: "no type", ask: "", title: "ERROR" }
+        ]
+    }
+    function test_resetAsksFirst(data) {
         testSupport.storeFavoriteTelco("Room", "https://meet.jit.si/Room")
-        const telcos = viewModel.favoriteTelcosModel.count
-        verify(telcos > 0)
-        mouseClick(find("resetFavoriteTelcos"))
-        const alert = find("resetView").alert
-        tryCompare(alert, "opened", true)
-        compare(alert.title, "Reset favorite telcos")
-        mouseClick(findChild(alert.footer, "dismissReset"))
-        tryCompare(alert, "visible", false)
-        compare(viewModel.favoriteTelcosModel.count, telcos) // nothing deleted
-
         viewModel.validateDialerDisplay("600 123 456")
         viewModel.makeCallFromDialer()
-        tryVerify(() => viewModel.recentCallsModel.count > 0)
-        mouseClick(find("resetCallsHistory"))
-        tryCompare(alert, "opened", true)
-        compare(alert.title, "Reset recent calls history")
-        mouseClick(findChild(alert.footer, "confirmReset"))
-        compare(viewModel.recentCallsModel.count, 0) // at once
-    }
-
-    function test_anAlertWithNoTypeSaysError() {
+        tryVerify(() => viewModel.recentCallsModel.count > 0 && viewModel.favoriteTelcosModel.count > 0)
         open()
         showTab("Reset")
         const reset = find("resetView")
-        reset.alertType = ""
-        reset.showAlert = true
-        const alert = find("resetView").alert
+        if (data.ask) {
+            mouseClick(find(data.ask))
+        } else {
+            reset.alertType = ""
+            reset.showAlert = true
+        }
+        const alert = reset.alert
         tryCompare(alert, "opened", true)
-        compare(alert.title, "ERROR")
-        verify(!findChild(alert.footer, "confirmReset").visible)
-        alert.close()
+        compare(alert.title, data.title)
+        compare(findChild(alert.footer, "confirmReset").visible, data.ask !== "")
+        if (!data.answer)
+            return alert.close()
+        const before = viewModel[data.model].count
+        mouseClick(findChild(alert.footer, data.answer))
+        compare(viewModel[data.model].count, data.left(before)) // at once
+        tryCompare(alert, "visible", false)
     }
 }
