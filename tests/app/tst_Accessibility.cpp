@@ -263,7 +263,7 @@ public:
             {u"link editor"_qs, u"favorites"_qs, popup("telcoEditor", "openLinkEditor")},
             {u"launch error"_qs, u"welcome"_qs,
              [this] {
-                 m_environment->viewModel().makeCallFromText(u"https://example.com/room"_qs);
+                 m_environment->viewModel->makeCallFromText(u"https://example.com/room"_qs);
                  return whenOpen("errorAlert");
              }},
             {u"settings: general"_qs, {}, settingsTab(0)},
@@ -353,8 +353,8 @@ private:
             }
         });
         m_main->setProperty("sidebarShown", true);
-        m_environment->viewModel().setSearchTextForContacts(QString());
-        m_environment->viewModel().setSearchTextForRecents(QString());
+        m_environment->viewModel->setSearchTextForContacts(QString());
+        m_environment->viewModel->setSearchTextForRecents(QString());
         QQuickWindow *shown = m_main.get();
         if (!stop->section.isEmpty()) {
             QMetaObject::invokeMethod(m_main.get(), "chooseSection", Q_ARG(QVariant, stop->section));
@@ -550,13 +550,13 @@ private Q_SLOTS:
         QQuickStyle::setStyle(u"Fusion"_qs); // the program's
         QDesktopServices::setUrlHandler(u"https"_qs, &m_pages, "open");
         m_environment = std::make_unique<AppEnvironment>();
-        QVERIFY(m_environment->isValid());
-        QTRY_COMPARE_WITH_TIMEOUT(m_environment->viewModel().contactsDataService().property("count").toInt(), 4, 10000);
+        QVERIFY(m_environment->valid);
+        QTRY_COMPARE_WITH_TIMEOUT(m_environment->viewModel->contactsDataService().property("count").toInt(), 4, 10000);
         m_engine = std::make_unique<QQmlEngine>();
         m_environment->prepareEngine(*m_engine);
         QQmlComponent component(m_engine.get(), QUrl(u"qrc:/qt/qml/Telverra/app/Main.qml"_qs));
         m_main.reset(qobject_cast<QQuickWindow *>(component.createWithInitialProperties(
-            {{u"viewModel"_qs, QVariant::fromValue(&m_environment->viewModel())}})));
+            {{u"viewModel"_qs, QVariant::fromValue(m_environment->viewModel.get())}})));
         QVERIFY2(m_main, qPrintable(component.errorString()));
         QVERIFY(QTest::qWaitForWindowExposed(m_main.get()));
     }
@@ -565,7 +565,7 @@ private Q_SLOTS:
     // them).
     void init()
     {
-        HomeWindowViewModel &viewModel = m_environment->viewModel();
+        HomeWindowViewModel &viewModel = *m_environment->viewModel;
         viewModel.setSearchTextForRecents(QString());
         viewModel.setSearchTextForContacts(QString());
         while (viewModel.recentCallsModel()->property("count").toInt() < 3) {
@@ -581,7 +581,7 @@ private Q_SLOTS:
             viewModel.addContactToFavoritesById(u"ana"_qs);
             favorites.fetchFavoriteContacts();
         }
-        m_environment->workspace().opened.clear();
+        m_environment->workspace.opened.clear();
     }
 
     void everyStop_data()
@@ -644,7 +644,7 @@ private Q_SLOTS:
         QTRY_VERIFY(rows().size() >= 3); // every row was made before the search hides some
         const auto setSearch = section == u"contacts" ? &HomeWindowViewModel::setSearchTextForContacts
                                                       : &HomeWindowViewModel::setSearchTextForRecents;
-        (m_environment->viewModel().*setSearch)(search);
+        ((*m_environment->viewModel).*setSearch)(search);
         QTRY_VERIFY2(!rows().isEmpty() && rows().filter(everyRowSays).size() == rows().size(),
                      qPrintable(rows().join(u" | ")));
     }
@@ -698,7 +698,7 @@ private Q_SLOTS:
         // The keyboard focus where Tab and the arrows would have put it.
         target->forceActiveFocus(Qt::TabFocusReason);
         QVERIFY(item->isVisible());
-        const qsizetype launches = m_environment->workspace().opened.size();
+        const qsizetype launches = m_environment->workspace.opened.size();
         if (key == 0) {
             perform(item, press);
         } else {
@@ -708,7 +708,7 @@ private Q_SLOTS:
             }
         }
         if (expected == u"launch") {
-            QTRY_COMPARE(m_environment->workspace().opened.size(), launches + 1);
+            QTRY_COMPARE(m_environment->workspace.opened.size(), launches + 1);
         } else if (expected == u"menu") {
             QTRY_VERIFY(!openPopups(window).isEmpty());
         } else {

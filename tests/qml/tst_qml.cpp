@@ -25,10 +25,10 @@ class TestSupport : public QObject
 {
     Q_OBJECT
 public:
-    Q_INVOKABLE QStringList launches() const { return env->workspace().opened; }
-    Q_INVOKABLE void clearLaunches() { env->workspace().opened.clear(); }
+    Q_INVOKABLE QStringList launches() const { return env->workspace.opened; }
+    Q_INVOKABLE void clearLaunches() { env->workspace.opened.clear(); }
     /// Schemes no application opens from now on.
-    Q_INVOKABLE void setMissingSchemes(const QStringList &schemes) { env->workspace().missingSchemes = schemes; }
+    Q_INVOKABLE void setMissingSchemes(const QStringList &schemes) { env->workspace.missingSchemes = schemes; }
     Q_INVOKABLE void setClipboard(const QString &text) { QGuiApplication::clipboard()->setText(text); }
     Q_INVOKABLE QString clipboard() const { return QGuiApplication::clipboard()->text(); }
     /// A key press and release delivered to a window of its own (the test's key functions reach only the test's).
@@ -37,8 +37,8 @@ public:
         QTest::keyClick(window, static_cast<Qt::Key>(key), Qt::KeyboardModifiers(modifiers));
     }
     /// A preference, by key name (the settings window writes them the same way).
-    Q_INVOKABLE void setPreference(const QString &name, bool value) { env->preferences().setBoolValue(name, value); }
-    Q_INVOKABLE bool preference(const QString &name) const { return env->preferences().boolValue(name); }
+    Q_INVOKABLE void setPreference(const QString &name, bool value) { env->preferences->setBoolValue(name, value); }
+    Q_INVOKABLE bool preference(const QString &name) const { return env->preferences->boolValue(name); }
     /// The preference store of a fresh installation (a file of its own that nothing was written to yet).
     Q_INVOKABLE QObject *freshPreferences()
     {
@@ -47,19 +47,19 @@ public:
     }
     Q_INVOKABLE bool weatherTimerActive() const
     {
-        return env->viewModel().weatherTimer() && env->viewModel().weatherTimer()->isActive();
+        return env->viewModel->weatherTimer() && env->viewModel->weatherTimer()->isActive();
     }
     Q_INVOKABLE bool launchesAtLogin() const { return QFile::exists(LaunchAtLogin::userEntry()); }
     /// Saves a link, or a favourite contact record as it is (duplicates included), as another window would.
     Q_INVOKABLE void storeFavoriteTelco(const QString &name, const QString &value)
     {
-        env->viewModel().favoritesDataService().addFavoriteTelco(name, u"jitsi"_qs, value);
-        env->viewModel().favoritesDataService().fetchFavoriteTelcos();
+        env->viewModel->favoritesDataService().addFavoriteTelco(name, u"jitsi"_qs, value);
+        env->viewModel->favoritesDataService().fetchFavoriteTelcos();
     }
     Q_INVOKABLE void storeFavoriteContact(const QString &contactID)
     {
-        env->viewModel().favoritesDataService().addFavoriteContact(QString(), QString(), contactID);
-        env->viewModel().favoritesDataService().fetchFavoriteContacts();
+        env->viewModel->favoritesDataService().addFavoriteContact(QString(), QString(), contactID);
+        env->viewModel->favoritesDataService().fetchFavoriteContacts();
     }
     /// The program's trace lines from now on (until the next call).
     Q_INVOKABLE void captureTrace() { m_capture.emplace(); }
@@ -83,10 +83,10 @@ public Q_SLOTS:
     {
         if (!m_support.env) {
             m_support.env = std::make_unique<AppEnvironment>();
-            QVERIFY(m_support.env->isValid());
+            QVERIFY(m_support.env->valid);
         }
         m_support.env->prepareEngine(*engine);
-        engine->rootContext()->setContextProperty(u"viewModel"_qs, &m_support.env->viewModel());
+        engine->rootContext()->setContextProperty(u"viewModel"_qs, m_support.env->viewModel.get());
         engine->rootContext()->setContextProperty(u"testSupport"_qs, &m_support);
     }
 
