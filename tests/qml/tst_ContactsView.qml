@@ -3,27 +3,14 @@ import QtTest
 import Telverra
 
 // The contacts screen over the real view model and vCard folder: García, Smith (two numbers), -Dash and the company 3M.
-TestCase {
+ScreenTestCase {
     id: testCase
     name: "ContactsView"
-    when: windowShown
-    visible: true // the screens are drawn inside it
-    width: 800
-    height: 600
-
-    property var view: null
+    screen: "contacts/AllContactsView.qml"
 
     function initTestCase() {
         tryCompare(viewModel.contactsDataService, "count", 4)
     }
-    function init() {
-        viewModel.searchTextForContacts = ""
-        testSupport.clearLaunches()
-        view = createTemporaryObject(Qt.createComponent("qrc:/qt/qml/Telverra/contacts/AllContactsView.qml"), testCase,
-                                     { viewModel: viewModel, width: width, height: height })
-        verify(view)
-    }
-    function find(name) { return findChild(view, name) }
     function list() { return find("contactsList") }
     // The list as the view lays it out: each section's header, then its rows.
     function onScreen() {

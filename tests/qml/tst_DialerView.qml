@@ -3,24 +3,12 @@ import QtTest
 import Telverra
 
 // The keypad: its order, the long press on "0", the keyboard and the warnings.
-TestCase {
-    id: testCase
+ScreenTestCase {
     name: "DialerView"
-    when: windowShown
-    visible: true // the screens are drawn inside it
     width: 400
-    height: 600
+    screen: "dialer/DialerView.qml"
 
-    property var view: null
-
-    function init() {
-        viewModel.clearDialer()
-        testSupport.clearLaunches()
-        view = createTemporaryObject(Qt.createComponent("qrc:/qt/qml/Telverra/dialer/DialerView.qml"), testCase,
-                                     { viewModel: viewModel, width: width, height: height })
-        verify(view)
-    }
-    function key(k) { return findChild(view, "key-" + k) }
+    function key(k) { return find("key-" + k) }
     // The display, whether it is flagged invalid, and whether the warning shows.
     function state() {
         return [viewModel.dialer.display, viewModel.dialer.isInvalidNumber, findChild(view, "invalidNumberWarning").opacity]

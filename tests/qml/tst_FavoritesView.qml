@@ -4,23 +4,11 @@ import Telverra
 
 // The favourites screen over the real view model and store: the counts, the link editor in both modes, opening a link,
 // moving one, and removing a contact saved twice.
-TestCase {
-    id: testCase
+ScreenTestCase {
     name: "FavoritesView"
-    when: windowShown
-    visible: true // the screens are drawn inside it
-    width: 800
     height: 700
+    screen: "favorites/FavoritesView.qml"
 
-    property var view: null
-
-    function init() {
-        testSupport.clearLaunches()
-        view = createTemporaryObject(Qt.createComponent("qrc:/qt/qml/Telverra/favorites/FavoritesView.qml"), testCase,
-                                     { viewModel: viewModel, width: width, height: height })
-        verify(view)
-    }
-    function find(name) { return findChild(view, name) }
     // The saved links as the store file holds them, in their order.
     function stored() {
         return testSupport.stored("SELECT telcoName, telcoType, telcoValue FROM FavoriteTelcoEntity ORDER BY orderIndex, id")

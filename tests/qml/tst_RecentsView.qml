@@ -3,15 +3,10 @@ import QtTest
 import Telverra
 
 // The history: search, count, the context actions and the double click.
-TestCase {
-    id: testCase
+ScreenTestCase {
     name: "RecentsView"
-    when: windowShown
-    visible: true // the screens are drawn inside it
     width: 700
-    height: 600
-
-    property var view: null
+    screen: "recents/RecentsView.qml"
 
     function initTestCase() {
         const before = viewModel.recentCallsModel.count
@@ -22,13 +17,6 @@ TestCase {
         }
         viewModel.openTelcoURL("https://zoom.us/j/5551234567")
         tryCompare(viewModel.recentCallsModel, "count", before + 3)
-    }
-    function init() {
-        viewModel.searchTextForRecents = ""
-        testSupport.clearLaunches()
-        view = createTemporaryObject(Qt.createComponent("qrc:/qt/qml/Telverra/recents/RecentsView.qml"), testCase,
-                                     { viewModel: viewModel, width: width, height: height })
-        verify(view)
     }
     // The one row a search leaves (calls made in the same instant may sort either way).
     function only(search) {
