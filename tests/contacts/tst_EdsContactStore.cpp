@@ -77,12 +77,9 @@ private Q_SLOTS:
     void initTestCase()
     {
         m_home = std::make_unique<TestHome>();
-        m_home->writeFile(u".local/share/contacts/family/pedro.vcf"_s,
-                          "BEGIN:VCARD\nVERSION:3.0\nUID:pedro\nN:Gil;Pedro;;;\nEND:VCARD\n");
-        m_servicesInstalled =
-            QFile::exists(servicesFile) && !QStandardPaths::findExecutable(u"dbus-daemon"_s).isEmpty();
-        if (!m_servicesInstalled) {
-            return;
+        m_home->writeFile(u".local/share/contacts/family/pedro.vcf"_s, card("Pedro", "Gil", "UID:pedro\r\n"));
+        if (!QFile::exists(servicesFile) || QStandardPaths::findExecutable(u"dbus-daemon"_s).isEmpty()) {
+            QSKIP("Evolution Data Server's services are not installed (Debian: evolution-data-server, dbus-daemon)");
         }
         QVERIFY2(!EdsContactStore::defaultModule().isEmpty(), "built without Evolution Data Server (TELVERRA_EDS)");
         // The bus and the services it starts see the throw-away home, as this process does.
@@ -106,7 +103,9 @@ private Q_SLOTS:
         g_object_unref(work);
         // vCard 4's quoted type list and an embedded picture, which the personal book keeps as a file of its own.
         m_ana = addContact(personalBook, card("Ana", "García",
-                                              "TEL;TYPE=\"home,fax\":+34 910 000 000\r\nPHOTO;ENCODING=b;TYPE=PNG:" +
+                                              "TEL;TYPE=\"home,fax\":+34 910 000 000\r\n"
+                                              "EMAIL;TYPE=WORK:ana@example.com\r\n"
+                                              "PHOTO;ENCODING=b;TYPE=PNG:" +
                                                   png.toBase64() + "\r\n"));
         m_luis = addContact(personalBook, card("Luis", "Ruiz", "TEL;TYPE=CELL:+34 600 222 333\r\n"));
         QVERIFY(!m_ana.isEmpty() && !m_luis.isEmpty() && !addContact(m_workBook, card("Marta", "Soler")).isEmpty());
@@ -123,14 +122,13 @@ private Q_SLOTS:
             return;
         }
         // The services this bus started end with it: each is stopped and waited for before the home goes.
-        QList<uint> services;
+        QSet<uint> services;
         {
             QDBusConnection bus = QDBusConnection::connectToBus(m_address, u"cleanup"_s);
             for (const QString &name : bus.interface()->registeredServiceNames().value()) {
                 const uint pid = bus.interface()->servicePid(name);
-                if (name.startsWith(u':') && pid != 0 && pid != uint(QCoreApplication::applicationPid()) &&
-                    !services.contains(pid)) {
-                    services.append(pid);
+                if (name.startsWith(u':') && pid != 0 && pid != uint(QCoreApplication::applicationPid())) {
+                    services.insert(pid);
                 }
             }
         }
@@ -180,12 +178,9 @@ private Q_SLOTS:
         QFETCH(QByteArray, photo);
         const std::optional<VCardContact> contact =
             EdsContactStore::record(personalBook, {u"pas-id-1"_s, vcard, photoUri});
-        QCOMPARE(contact.has_value(), vcard != "garbage");
-        if (contact) {
-            QCOMPARE(contact->identifier, u"eds:system-address-book/pas-id-1"_s);
-            QCOMPARE(contact->familyName, u"García"_s);
-            QCOMPARE(contact->thumbnailImageData, photo);
-        }
+        QCOMPARE(contact ? contact->identifier + u' ' + contact->familyName : QString(),
+                 vcard == "garbage" ? QString() : u"eds:system-address-book/pas-id-1 García"_s);
+        QCOMPARE(contact ? contact->thumbnailImageData : QByteArray(), photo);
     }
 
     // The books are read into the address book beside the vCard folders, and every change in them follows, in order.
@@ -206,26 +201,16 @@ private Q_SLOTS:
     {
         QFETCH(QString, change);
         QFETCH(QStringList, expected);
-        if (!m_servicesInstalled) {
-            QSKIP("Evolution Data Server's services are not installed (Debian: evolution-data-server, dbus-daemon)");
-        }
         if (!m_read) {
             m_read = std::make_unique<AddressBook>();
         }
 
         GError *error = nullptr;
         if (change == u"rename Luis") {
-            EContact *luis = nullptr;
-            QVERIFY(succeeded(
-                e_book_client_get_contact_sync(book(personalBook), m_luis.toUtf8().constData(), &luis, nullptr, &error),
-                error));
-            EContactName *name = e_contact_name_from_string("Lucho Ruiz");
-            e_contact_set(luis, E_CONTACT_NAME, name);
-            e_contact_set(luis, E_CONTACT_FULL_NAME, "Lucho Ruiz");
-            e_contact_name_free(name);
-            const bool modified = e_book_client_modify_contact_sync(book(personalBook), luis,
+            EContact *lucho = e_contact_new_from_vcard_with_uid(card("Lucho", "Ruiz"), m_luis.toUtf8().constData());
+            const bool modified = e_book_client_modify_contact_sync(book(personalBook), lucho,
                                                                     E_BOOK_OPERATION_FLAG_NONE, nullptr, &error);
-            g_object_unref(luis);
+            g_object_unref(lucho);
             QVERIFY(succeeded(modified, error));
         } else if (change == u"remove Ana") {
             QVERIFY(succeeded(e_book_client_remove_contact_by_uid_sync(book(personalBook), m_ana.toUtf8().constData(),
@@ -272,14 +257,16 @@ private Q_SLOTS:
         }
         QCOMPARE(containers.mid(1),
                  (QStringList{u"eds:system-address-book Personal"_s, u"eds:"_s + m_workBook + u" Work"}));
-        // EDS moved Ana's picture into a file of its own, and kept her fax's type list quoted.
+        // EDS moved Ana's picture into a file of its own, and kept her fax's type list quoted; numbers and addresses
+        // are grouped by label.
         const std::optional<Contact> ana = m_read->service.contact(personal(m_ana));
         QVERIFY(ana);
         QCOMPARE(ana->contact().thumbnailImageData, png);
-        QCOMPARE(ContactLabels::phoneNumbersByLabel(ana->contact()).keys(), QStringList{u"home fax"_s});
+        QCOMPARE(ContactLabels::phoneNumbersByLabel(ana->contact()).keys() +
+                     ContactLabels::emailAddressesByLabel(ana->contact()).keys(),
+                 (QStringList{u"home fax"_s, u"work"_s}));
         const std::optional<Contact> luis = m_read->service.findContact(u"+34 600 222 333"_s).contact;
-        QVERIFY(luis);
-        QCOMPARE(luis->id(), personal(m_luis));
+        QCOMPARE(luis ? luis->id() : QString(), personal(m_luis));
         QCOMPARE(m_read->manager.fetchContact(luis->id())->contact().familyName, u"Ruiz"_s);
     }
 
@@ -287,41 +274,35 @@ private Q_SLOTS:
     // is not, and only the folder named by --contacts.
     void commandLine_data()
     {
-        QTest::addColumn<QString>("bus");
+        QTest::addColumn<bool>("bareBus"); // a bus on which EDS cannot be started
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QStringList>("expected");
 
         const QString folder = m_home->path() + u"/.local/share/contacts/family";
         QStringList all{personal(m_luis), personal(m_eva), u"pedro"_s};
         all.sort();
-        QTest::newRow("EDS on the bus") << u"eds"_s << QStringList() << all;
-        QTest::newRow("a bus without EDS") << u"bare"_s << QStringList() << QStringList{u"pedro"_s};
-        QTest::newRow("no bus") << u"none"_s << QStringList() << QStringList{u"pedro"_s};
-        QTest::newRow("--contacts DIR") << u"eds"_s << QStringList{u"--contacts"_s, folder} << QStringList{u"pedro"_s};
+        QTest::newRow("EDS on the bus") << false << QStringList() << all;
+        QTest::newRow("a bus without EDS") << true << QStringList() << QStringList{u"pedro"_s};
+        QTest::newRow("--contacts DIR") << false << QStringList{u"--contacts"_s, folder} << QStringList{u"pedro"_s};
     }
 
     void commandLine()
     {
-        QFETCH(QString, bus);
+        QFETCH(bool, bareBus);
         QFETCH(QStringList, arguments);
         QFETCH(QStringList, expected);
-        if (!m_servicesInstalled) {
-            QSKIP("Evolution Data Server's services are not installed (Debian: evolution-data-server, dbus-daemon)");
-        }
 
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        std::unique_ptr<QProcess> bareBus;
-        if (bus == u"bare") {
+        std::unique_ptr<QProcess> bus; // ends with its QProcess
+        if (bareBus) {
             const QString config = m_home->writeFile(
                 u"bare.conf"_s,
                 "<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen><policy "
                 "context=\"default\"><allow send_destination=\"*\"/><allow own=\"*\"/></policy></busconfig>\n");
             QString address;
-            bareBus = startBus(u"--config-file="_s + config, address);
-            QVERIFY(bareBus);
+            bus = startBus(u"--config-file="_s + config, address);
+            QVERIFY(bus);
             environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, address);
-        } else if (bus == u"none") {
-            environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nonexistent"_s);
         }
         QProcess telverra;
         telverra.setProcessEnvironment(environment);
@@ -335,10 +316,6 @@ private Q_SLOTS:
         }
         ids.sort();
         QCOMPARE(ids, expected);
-        if (bareBus) {
-            bareBus->terminate();
-            bareBus->waitForFinished();
-        }
     }
 
 private:
@@ -347,7 +324,6 @@ private:
     QString addContact(const QString &bookUid, const QByteArray &vcard);
     /// A dbus-daemon with the given configuration option, and its address.
     static std::unique_ptr<QProcess> startBus(const QString &config, QString &address);
-    bool m_servicesInstalled = false;
 
     std::unique_ptr<TestHome> m_home;
     std::unique_ptr<QProcess> m_bus;
