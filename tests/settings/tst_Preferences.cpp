@@ -10,74 +10,59 @@ class tst_Preferences : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void defaults();
-    void writtenValuesSurviveAndAreSeenElsewhere();
-    void byName();
-    void deploymentSettings();
+    void defaults()
+    {
+        Preferences preferences(m_home.configHome() + u"/fresh.conf");
+        for (const char *on :
+             {"useChromeAsDefaultBrowser", "copyNumberURLToClipBoard", "updateWeatherInfoEveryHour",
+              "quickActionIsSetForPhoneCalls", "quickActionIsSetForText", "quickActionIsSetForEmails"}) {
+            QVERIFY2(preferences.boolValue(QLatin1StringView(on)), on);
+        }
+        for (const char *off : {"fixedQuoteOnStartup", "quickActionIsSetForFacetimeCalls",
+                                "quickActionIsSetForFacetimeAudioCalls", "quickActionIsSetForSkype", "noSuchKey"}) {
+            QVERIFY2(!preferences.boolValue(QLatin1StringView(off)), off);
+        }
+        QVERIFY2(!QFile::exists(preferences.filePath()), "reading defaults writes nothing");
+    }
+
+    // Set by name, as the settings window does; read by key, in another instance and another process.
+    void writtenValuesSurviveAndAreSeenElsewhere()
+    {
+        // A QString, not a QStringBuilder: GCC 12 warns (-Wstringop-overflow) on the builder inside QCOMPARE at -O2.
+        QCOMPARE(Preferences::defaultFilePath(), QString(m_home.configHome() + u"/telverra/telverra.conf"));
+        Preferences first(Preferences::defaultFilePath());
+        Preferences second(Preferences::defaultFilePath());
+        QVERIFY(second.value(PreferenceKey::useChromeAsDefaultBrowser));
+        QSignalSpy changed(&first, &Preferences::valueChanged);
+        first.setBoolValue(u"noSuchKey"_qs, true);
+        first.setBoolValue(u"useChromeAsDefaultBrowser"_qs, false);
+        QCOMPARE(changed.size(), 1);
+        QCOMPARE(changed.at(0).at(0).toString(), u"useChromeAsDefaultBrowser"_qs);
+        QVERIFY2(!second.value(PreferenceKey::useChromeAsDefaultBrowser), "a change is seen at the next read");
+        QVERIFY(QFile::exists(Preferences::defaultFilePath()));
+
+        QSettings outside(Preferences::defaultFilePath(), QSettings::IniFormat);
+        outside.setValue(u"fixedQuoteOnStartup"_qs, true);
+        outside.sync();
+        QVERIFY(first.value(PreferenceKey::fixedQuoteOnStartup));
+    }
+
+    void deploymentSettings()
+    {
+        QCOMPARE(DeploymentSettings::defaultFile(), QString()); // none installed in this home
+        const QString file = m_home.writeFile(u".local/share/telverra/Info.ini"_qs,
+                                              "[General]\nWEATHER_API_KEY=\nCHROME_DEVTOOLS_PORT=9222\n");
+        QCOMPARE(DeploymentSettings::defaultFile(), file);
+        const DeploymentSettings settings(file);
+        QCOMPARE(settings.value(u"CHROME_DEVTOOLS_PORT"_qs), std::optional(u"9222"_qs));
+        QCOMPARE(settings.value(u"WEATHER_API_KEY"_qs), std::optional(QString())); // present but empty
+        QCOMPARE(settings.value(u"QUOTE_SERVICE_BASE_URL"_qs), std::nullopt);
+        QCOMPARE(DeploymentSettings(m_home.path() + u"/missing.ini"_qs).value(u"WEATHER_API_KEY"_qs), std::nullopt);
+    }
 
 private:
     TestHome m_home;
 };
-
-void tst_Preferences::defaults()
-{
-    Preferences preferences(m_home.configHome() + u"/fresh.conf");
-    for (const char *on : {"useChromeAsDefaultBrowser", "copyNumberURLToClipBoard", "updateWeatherInfoEveryHour",
-                           "quickActionIsSetForPhoneCalls", "quickActionIsSetForText", "quickActionIsSetForEmails"}) {
-        QVERIFY2(preferences.boolValue(QLatin1StringView(on)), on);
-    }
-    for (const char *off : {"fixedQuoteOnStartup", "quickActionIsSetForFacetimeCalls",
-                            "quickActionIsSetForFacetimeAudioCalls", "quickActionIsSetForSkype"}) {
-        QVERIFY2(!preferences.boolValue(QLatin1StringView(off)), off);
-    }
-    QVERIFY2(!QFile::exists(preferences.filePath()), "reading defaults writes nothing");
-}
-
-void tst_Preferences::writtenValuesSurviveAndAreSeenElsewhere()
-{
-    // A QString, not a QStringBuilder: GCC 12 warns (-Wstringop-overflow) on the builder inside QCOMPARE at -O2.
-    QCOMPARE(Preferences::defaultFilePath(), QString(m_home.configHome() + u"/telverra/telverra.conf"));
-    Preferences first(Preferences::defaultFilePath());
-    Preferences second(Preferences::defaultFilePath());
-    QVERIFY(second.value(PreferenceKey::useChromeAsDefaultBrowser));
-
-    QSignalSpy changed(&first, &Preferences::valueChanged);
-    first.setValue(PreferenceKey::useChromeAsDefaultBrowser, false);
-    QCOMPARE(changed.size(), 1);
-    QCOMPARE(changed.at(0).at(0).toString(), u"useChromeAsDefaultBrowser"_qs);
-    QVERIFY2(!second.value(PreferenceKey::useChromeAsDefaultBrowser), "a change is seen at the next read");
-    QVERIFY(QFile::exists(Preferences::defaultFilePath()));
-
-    // What another process wrote straight into the file is seen too.
-    QSettings outside(Preferences::defaultFilePath(), QSettings::IniFormat);
-    outside.setValue(u"fixedQuoteOnStartup"_qs, true);
-    outside.sync();
-    QVERIFY(first.value(PreferenceKey::fixedQuoteOnStartup));
-}
-
-void tst_Preferences::byName()
-{
-    Preferences preferences(m_home.configHome() + u"/named.conf");
-    preferences.setBoolValue(u"quickActionIsSetForSkype"_qs, true);
-    QVERIFY(preferences.value(PreferenceKey::quickActionIsSetForSkype));
-    QSignalSpy changed(&preferences, &Preferences::valueChanged);
-    preferences.setBoolValue(u"noSuchKey"_qs, true);
-    QCOMPARE(changed.size(), 0);
-    QVERIFY(!preferences.boolValue(u"noSuchKey"_qs));
-}
-
-void tst_Preferences::deploymentSettings()
-{
-    QCOMPARE(DeploymentSettings::defaultFile(), QString()); // none installed in this home
-    const QString file = m_home.writeFile(u".local/share/telverra/Info.ini"_qs,
-                                          "[General]\nWEATHER_API_KEY=\nCHROME_DEVTOOLS_PORT=9222\n");
-    QCOMPARE(DeploymentSettings::defaultFile(), file);
-    const DeploymentSettings settings(file);
-    QCOMPARE(settings.value(u"CHROME_DEVTOOLS_PORT"_qs), std::optional(u"9222"_qs));
-    QCOMPARE(settings.value(u"WEATHER_API_KEY"_qs), std::optional(QString())); // present but empty
-    QCOMPARE(settings.value(u"QUOTE_SERVICE_BASE_URL"_qs), std::nullopt);
-    QCOMPARE(DeploymentSettings(m_home.path() + u"/missing.ini"_qs).value(u"WEATHER_API_KEY"_qs), std::nullopt);
-}
 
 QTEST_GUILESS_MAIN(tst_Preferences)
 #include "tst_Preferences.moc"
