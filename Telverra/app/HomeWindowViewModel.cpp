@@ -16,10 +16,11 @@
 #include "settings/DeploymentSettings.h"
 #include "settings/Preferences.h"
 #include "store/CoreDataManager.h"
+#include "weather/CityGeocoder.h"
 #include "weather/CoreLocationDataService.h"
 #include "weather/GeoClueLocationManager.h"
-#include "weather/OpenWeatherGeocoder.h"
 #include "weather/WeatherInfoDataService.h"
+#include "weather/WeatherStatus.h"
 #include "welcome/RandomQuoteDataService.h"
 
 #include <QCoreApplication>
@@ -84,7 +85,7 @@ HomeWindowViewModel::HomeWindowViewModel(const Environment &environment, QObject
     }
     Geocoder *geocoder = environment.geocoder;
     if (!geocoder && !environment.headless) {
-        m_ownGeocoder = std::make_unique<OpenWeatherGeocoder>(*network, deployment);
+        m_ownGeocoder = std::make_unique<CityGeocoder>();
         geocoder = m_ownGeocoder.get();
     }
     // 3. The first preferred language.
@@ -103,6 +104,7 @@ HomeWindowViewModel::HomeWindowViewModel(const Environment &environment, QObject
             std::make_unique<CoreLocationDataService>(*locationServices, *geocoder, m_preferences);
         m_weatherInfoService = std::make_unique<WeatherInfoDataService>(*network, deployment);
         m_randomQuoteDataService = std::make_unique<RandomQuoteDataService>(*network, deployment, m_languageLocale);
+        m_weatherStatus = std::make_unique<WeatherStatus>(*m_weatherInfoService, *m_corelocationDataService);
     }
 
     // 5. Subscriptions, then the weather timer.
@@ -186,6 +188,13 @@ void HomeWindowViewModel::subscribe()
         m_cancelables.append(
             connect(m_randomQuoteDataService.get(), &RandomQuoteDataService::randomQuoteChanged, this, quote));
         quote();
+        auto awaited = [this] {
+            m_quoteAwaited = m_randomQuoteDataService->awaitsQuote();
+            Q_EMIT quoteAwaitedChanged();
+        };
+        m_cancelables.append(
+            connect(m_randomQuoteDataService.get(), &RandomQuoteDataService::awaitsQuoteChanged, this, awaited));
+        awaited();
     }
 
     // 4. The contacts.
@@ -249,6 +258,7 @@ void HomeWindowViewModel::subscribeToPlaceAndWeather()
     auto coordinates = [this, location] {
         m_currentLocation = location->coordinates();
         Q_EMIT currentLocationChanged();
+        Q_EMIT weatherPlaceChanged();
         if (m_currentLocation) {
             m_weatherInfoService->getWeatherInfo(m_currentLocation->latitude(), m_currentLocation->longitude());
         }
@@ -260,15 +270,19 @@ void HomeWindowViewModel::subscribeToPlaceAndWeather()
     auto city = [this, location] {
         m_cityName = location->cityName();
         Q_EMIT cityNameChanged();
+        Q_EMIT weatherPlaceChanged();
     };
     m_cancelables.append(connect(location, &CoreLocationDataService::cityNameChanged, this, city));
     city();
     auto country = [this, location] {
         m_countryName = location->countryName();
         Q_EMIT countryNameChanged();
+        Q_EMIT weatherPlaceChanged();
     };
     m_cancelables.append(connect(location, &CoreLocationDataService::countryNameChanged, this, country));
     country();
+    m_cancelables.append(connect(location, &CoreLocationDataService::placeSourceChanged, this,
+                                 &HomeWindowViewModel::weatherPlaceChanged));
 
     // 13. The weather document, as the card's record.
     auto weather = [this] {
@@ -299,6 +313,68 @@ QVariant HomeWindowViewModel::dailyWeatherViewModel() const
     }
     return QVariant::fromValue(
         DailyWeatherViewModel::make(*m_weatherInfo, m_cityName, m_countryName, QDateTime::currentDateTime()));
+}
+
+QString HomeWindowViewModel::weatherPlaceTitle() const
+{
+    const QString title = WeatherPresentation::placeTitle(m_cityName, m_countryName);
+    if (title.isEmpty() && m_currentLocation) {
+        return m_currentLocation->toString(QGeoCoordinate::DegreesWithHemisphere); // a place no city is near
+    }
+    return title;
+}
+
+QString HomeWindowViewModel::weatherPlaceNote() const
+{
+    if (!m_corelocationDataService) {
+        return {};
+    }
+    switch (m_corelocationDataService->placeSource()) {
+    case CoreLocationDataService::PlaceSource::located:
+        return tr("From your location");
+    case CoreLocationDataService::PlaceSource::chosen:
+        return tr("Chosen by you");
+    case CoreLocationDataService::PlaceSource::guessed:
+        return tr("Guessed from your time zone");
+    case CoreLocationDataService::PlaceSource::none:
+        break;
+    }
+    return {};
+}
+
+bool HomeWindowViewModel::weatherPlaceIsGuess() const
+{
+    return m_corelocationDataService &&
+           m_corelocationDataService->placeSource() == CoreLocationDataService::PlaceSource::guessed;
+}
+
+bool HomeWindowViewModel::weatherPlaceIsChosen() const
+{
+    return m_corelocationDataService &&
+           m_corelocationDataService->placeSource() == CoreLocationDataService::PlaceSource::chosen;
+}
+
+QObject *HomeWindowViewModel::weatherStatusObject() const
+{
+    return m_weatherStatus.get();
+}
+
+void HomeWindowViewModel::chooseWeatherCity(const QVariantMap &city)
+{
+    const QGeoCoordinate position(city.value(QStringLiteral("latitude")).toDouble(),
+                                  city.value(QStringLiteral("longitude")).toDouble());
+    const QString name = city.value(QStringLiteral("name")).toString().trimmed();
+    if (!m_corelocationDataService || name.isEmpty() || !position.isValid()) {
+        return;
+    }
+    m_corelocationDataService->chooseCity(name, city.value(QStringLiteral("country")).toString(), position);
+}
+
+void HomeWindowViewModel::clearWeatherCity()
+{
+    if (m_corelocationDataService) {
+        m_corelocationDataService->clearChosenCity();
+    }
 }
 
 QString HomeWindowViewModel::greeting(const QDateTime &now) const

@@ -24,6 +24,7 @@ class LocationServices;
 class QNetworkAccessManager;
 class RandomQuoteDataService;
 class WeatherInfoDataService;
+class WeatherStatus;
 class ContactSearchIndex;
 class Clipboard;
 class ContactStoreManager;
@@ -57,12 +58,22 @@ class HomeWindowViewModel : public QObject
     Q_PROPERTY(bool shouldSearchForContacts READ shouldSearchForContacts NOTIFY shouldSearchForContactsChanged)
     Q_PROPERTY(bool accessContactsPermission MEMBER m_accessContactsPermission NOTIFY accessContactsPermissionChanged)
     Q_PROPERTY(QString randomQuote READ randomQuote NOTIFY randomQuoteChanged)
+    /// Whether a quote may still come: the welcome screen waves its indicator meanwhile.
+    Q_PROPERTY(bool quoteAwaited READ quoteAwaited NOTIFY quoteAwaitedChanged)
     Q_PROPERTY(QString cityName READ cityName NOTIFY cityNameChanged)
     Q_PROPERTY(QString countryName READ countryName NOTIFY countryNameChanged)
     Q_PROPERTY(QVariant weatherInfo READ weatherInfoValue NOTIFY weatherInfoChanged)
     Q_PROPERTY(QVariant currentLocation READ currentLocationValue NOTIFY currentLocationChanged)
     Q_PROPERTY(QString corelocationPermissionError READ corelocationPermissionErrorText NOTIFY
                    corelocationPermissionErrorChanged)
+    /// The weather's place as the pop-over and the settings name it ("Madrid, Spain"), where it comes from ("Guessed
+    /// from your time zone"), and whether it is a guess or the user's choice.
+    Q_PROPERTY(QString weatherPlaceTitle READ weatherPlaceTitle NOTIFY weatherPlaceChanged)
+    Q_PROPERTY(QString weatherPlaceNote READ weatherPlaceNote NOTIFY weatherPlaceChanged)
+    Q_PROPERTY(bool weatherPlaceIsGuess READ weatherPlaceIsGuess NOTIFY weatherPlaceChanged)
+    Q_PROPERTY(bool weatherPlaceIsChosen READ weatherPlaceIsChosen NOTIFY weatherPlaceChanged)
+    /// What the settings say about the weather (a refused key, or why there is none): a WeatherStatus.
+    Q_PROPERTY(QObject *weatherStatus READ weatherStatusObject CONSTANT)
     Q_PROPERTY(QString languageLocale READ languageLocale CONSTANT)
     Q_PROPERTY(QObject *recentCallsModel READ recentCallsModel CONSTANT)
     Q_PROPERTY(QObject *contactsModel READ contactsModel CONSTANT)
@@ -195,6 +206,7 @@ public:
                                            const QString &searchText);
 
     const QString &randomQuote() const { return m_randomQuote; }
+    bool quoteAwaited() const { return m_quoteAwaited; }
     const QString &cityName() const { return m_cityName; }
     const QString &countryName() const { return m_countryName; }
     const std::optional<QString> &corelocationPermissionError() const { return m_corelocationPermissionError; }
@@ -208,6 +220,16 @@ public:
     Q_INVOKABLE QVariant dailyWeatherViewModel() const;
     /// The welcome screen's greeting for the hour of `now` (the current time when invalid).
     Q_INVOKABLE QString greeting(const QDateTime &now = QDateTime()) const;
+    QString weatherPlaceTitle() const;
+    QString weatherPlaceNote() const;
+    bool weatherPlaceIsGuess() const;
+    bool weatherPlaceIsChosen() const;
+    QObject *weatherStatusObject() const;
+    /// The user chose a city for the weather (a map of name, country, latitude and longitude, as the city search
+    /// gives it): it is used instead of the system's position until cleared.
+    Q_INVOKABLE void chooseWeatherCity(const QVariantMap &city);
+    /// Back to the system's position, or the time zone's city.
+    Q_INVOKABLE void clearWeatherCity();
     /// The menu command "Update weather info": the location start-up again, then the weather timer.
     Q_INVOKABLE void updateWeatherInfo();
     double updateWeatherInfoDelay() const { return m_updateWeatherInfoDelay; }
@@ -285,6 +307,8 @@ Q_SIGNALS:
     void searchTextForContactsChanged();
     void shouldSearchForContactsChanged();
     void randomQuoteChanged();
+    void quoteAwaitedChanged();
+    void weatherPlaceChanged();
     void cityNameChanged();
     void countryNameChanged();
     void corelocationPermissionErrorChanged();
@@ -328,6 +352,7 @@ private:
     std::unique_ptr<RandomQuoteDataService> m_randomQuoteDataService;
     std::unique_ptr<WeatherInfoDataService> m_weatherInfoService;
     std::unique_ptr<CoreLocationDataService> m_corelocationDataService;
+    std::unique_ptr<WeatherStatus> m_weatherStatus;
     QList<QMetaObject::Connection> m_cancelables;
 
     bool m_isWelcomeShown = true;
@@ -355,6 +380,7 @@ private:
     QString m_searchTextForContacts;
     bool m_shouldSearchForContacts = false;
     QString m_randomQuote;
+    bool m_quoteAwaited = false;
     std::optional<WeatherInfoViewModel> m_weatherInfo;
     std::unique_ptr<QTimer> m_weatherTimer;
     double m_updateWeatherInfoDelay = 3600;

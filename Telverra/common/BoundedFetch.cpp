@@ -18,15 +18,35 @@ struct Transfer
 
 } // namespace
 
+QByteArray FetchResult::header(QByteArrayView name) const
+{
+    for (const auto &[key, value] : headers) {
+        if (key.compare(name, Qt::CaseInsensitive) == 0) {
+            return value;
+        }
+    }
+    return {};
+}
+
+QByteArray userAgent()
+{
+    return QByteArrayLiteral("Telverra/" TELVERRA_VERSION " (+" TELVERRA_HOMEPAGE ")");
+}
+
 bool isFetchableUrl(const QUrl &url)
 {
     return url.isValid() && !url.host().isEmpty() && (url.scheme() == u"https" || url.scheme() == u"http");
 }
 
 void boundedGet(QNetworkAccessManager &network, const QUrl &url, QObject *context,
-                std::function<void(const FetchResult &)> done, FetchLimits limits)
+                std::function<void(const FetchResult &)> done, FetchLimits limits,
+                const QList<QPair<QByteArray, QByteArray>> &headers)
 {
     QNetworkRequest request(url);
+    request.setHeader(QNetworkRequest::UserAgentHeader, userAgent());
+    for (const auto &[name, value] : headers) {
+        request.setRawHeader(name, value);
+    }
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
     request.setMaximumRedirectsAllowed(5);
     QNetworkReply *reply = network.get(request);
@@ -81,6 +101,7 @@ void boundedGet(QNetworkAccessManager &network, const QUrl &url, QObject *contex
                              // An HTTP error status is still a transfer: the caller judges the status.
                              result.transferred = true;
                              result.body = std::move(transfer->body);
+                             result.headers = reply->rawHeaderPairs();
                          }
                          if (receiver) {
                              done(result);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
+#include <QPair>
 #include <QString>
 #include <QUrl>
 
@@ -19,8 +21,12 @@ struct FetchResult
     QByteArray body;
     /// The transfer's error text when it failed.
     QString errorText;
+    /// The answer's headers, as sent.
+    QList<QPair<QByteArray, QByteArray>> headers;
 
     bool isSuccessStatus() const { return transferred && status >= 200 && status <= 299; }
+    /// The value of a header (the name in any case), or a null array.
+    QByteArray header(QByteArrayView name) const;
 };
 
 struct FetchLimits
@@ -33,7 +39,13 @@ struct FetchLimits
 /// An absolute http or https address with a host: what the services may fetch.
 bool isFetchableUrl(const QUrl &url);
 
-/// Starts one GET. `done` is called exactly once on the main thread, unless `context` is gone by then.
-/// Redirects are followed only to addresses at least as safe; TLS errors are never ignored.
+/// What every request says it is, "Telverra/<version> (+<project address>)": services such as MET Norway refuse
+/// anonymous clients, and Qt's own agent names none.
+QByteArray userAgent();
+
+/// Starts one GET with the program's User-Agent and the extra `headers`. `done` is called exactly once on the main
+/// thread, unless `context` is gone by then. Redirects are followed only to addresses at least as safe; TLS errors
+/// are never ignored.
 void boundedGet(QNetworkAccessManager &network, const QUrl &url, QObject *context,
-                std::function<void(const FetchResult &)> done, FetchLimits limits = {});
+                std::function<void(const FetchResult &)> done, FetchLimits limits = {},
+                const QList<QPair<QByteArray, QByteArray>> &headers = {});

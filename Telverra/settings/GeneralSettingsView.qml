@@ -54,32 +54,42 @@ ScrollView {
             }
         }
         Label {
-            text: qsTr("Place for the weather when the desktop gives no position:")
+            text: qsTr("Place for the weather:")
         }
-        TextField {
-            objectName: "weatherPlace"
+        RowLayout {
             Layout.fillWidth: true
-            placeholderText: qsTr("a city, such as Santa Cruz de Tenerife")
-            Accessible.name: qsTr("Place for the weather")
-            Accessible.description: placeholderText
-            text: general.preferences.weatherPlace()
-            onEditingFinished: {
-                if (text.trim() !== general.preferences.weatherPlace()) {
-                    general.preferences.setWeatherPlace(text.trim())
-                    general.viewModel.updateWeatherInfo()
-                }
+            Label {
+                objectName: "weatherPlace"
+                text: general.viewModel.weatherPlaceTitle.length > 0 ? general.viewModel.weatherPlaceTitle
+                                                                      : qsTr("None yet")
+                font.bold: true
+            }
+            Label {
+                objectName: "weatherPlaceNote"
+                Layout.fillWidth: true
+                text: general.viewModel.weatherPlaceNote
+                font.italic: general.viewModel.weatherPlaceIsGuess
+                color: general.palette.placeholderText
+                elide: Text.ElideRight
+            }
+            ActionButton {
+                objectName: "useMyLocation"
+                text: qsTr("Use my location")
+                visible: general.viewModel.weatherPlaceIsChosen
+                Accessible.description: qsTr("Forget the chosen city and use the desktop's location service again.")
+                onClicked: general.viewModel.clearWeatherCity()
             }
         }
-        WeatherStatus {
-            id: weatherStatus
-            weatherService: general.viewModel.weatherInfoService
-            locationService: general.viewModel.corelocationDataService
+        CitySearchField {
+            objectName: "settingsCitySearch"
+            Layout.fillWidth: true
+            onChosen: city => general.viewModel.chooseWeatherCity(city)
         }
         Label {
             objectName: "weatherStatus"
             Layout.fillWidth: true
             visible: text.length > 0
-            text: weatherStatus.text
+            text: general.viewModel.weatherStatus ? general.viewModel.weatherStatus.text : ""
             wrapMode: Text.Wrap
             color: general.palette.placeholderText
             font.pixelSize: 12

@@ -63,15 +63,43 @@ void Preferences::setBoolValue(const QString &name, bool value)
     }
 }
 
-QString Preferences::weatherPlace() const
+Preferences::WeatherPlace Preferences::weatherPlace() const
 {
     m_settings->sync();
-    return m_settings->value(QStringLiteral("weatherPlace"), QString()).toString();
+    WeatherPlace place{m_settings->value(QStringLiteral("weatherPlace")).toString().trimmed(),
+                       m_settings->value(QStringLiteral("weatherPlaceCountry")).toString(),
+                       {},
+                       {}};
+    bool latitudeRead = false;
+    bool longitudeRead = false;
+    const double latitude = m_settings->value(QStringLiteral("weatherPlaceLatitude")).toDouble(&latitudeRead);
+    const double longitude = m_settings->value(QStringLiteral("weatherPlaceLongitude")).toDouble(&longitudeRead);
+    if (latitudeRead && longitudeRead) {
+        place.latitude = latitude;
+        place.longitude = longitude;
+    }
+    return place;
 }
 
-void Preferences::setWeatherPlace(const QString &place)
+void Preferences::setWeatherPlace(const WeatherPlace &place)
 {
-    m_settings->setValue(QStringLiteral("weatherPlace"), place.trimmed());
+    const QString name = place.name.trimmed();
+    if (name.isEmpty()) {
+        for (const char *key :
+             {"weatherPlace", "weatherPlaceCountry", "weatherPlaceLatitude", "weatherPlaceLongitude"}) {
+            m_settings->remove(QLatin1StringView(key));
+        }
+    } else {
+        m_settings->setValue(QStringLiteral("weatherPlace"), name);
+        m_settings->setValue(QStringLiteral("weatherPlaceCountry"), place.country);
+        if (place.latitude && place.longitude) {
+            m_settings->setValue(QStringLiteral("weatherPlaceLatitude"), *place.latitude);
+            m_settings->setValue(QStringLiteral("weatherPlaceLongitude"), *place.longitude);
+        } else {
+            m_settings->remove(QStringLiteral("weatherPlaceLatitude"));
+            m_settings->remove(QStringLiteral("weatherPlaceLongitude"));
+        }
+    }
     m_settings->sync();
     Q_EMIT valueChanged(QStringLiteral("weatherPlace"));
 }

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 
 /// Every preference the program keeps; all are booleans.
 enum class PreferenceKey
@@ -65,10 +66,19 @@ public:
     Q_INVOKABLE bool boolValue(const QString &name) const;
     Q_INVOKABLE void setBoolValue(const QString &name, bool value);
 
-    /// The place the weather uses when the system gives no position (a city name; empty for none), key
-    /// "weatherPlace".
-    Q_INVOKABLE QString weatherPlace() const;
-    Q_INVOKABLE void setWeatherPlace(const QString &place);
+    /// The city the user chose for the weather: its name (key "weatherPlace", empty for none), with the country and
+    /// position it was chosen with ("weatherPlaceCountry", "weatherPlaceLatitude", "weatherPlaceLongitude"). A name
+    /// written into the file by hand has no position.
+    struct WeatherPlace
+    {
+        QString name;
+        QString country;
+        std::optional<double> latitude;
+        std::optional<double> longitude;
+    };
+    WeatherPlace weatherPlace() const;
+    /// Keeps the city; one with an empty name clears it.
+    void setWeatherPlace(const WeatherPlace &place);
 
     /// Whether the address book takes in Evolution Data Server's books (key "useEvolutionDataServer", default true),
     /// read when the address book is opened.

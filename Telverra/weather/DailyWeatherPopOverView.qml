@@ -5,22 +5,30 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Telverra
 
-// The daily forecast: the place, one framed row per day (today's set apart) and the provider's attribution.
+// The daily forecast: the place (and where it comes from, with a city search to choose another), the current
+// conditions, one framed row per day (today's set apart) and the provider's attribution.
 Popup {
     id: popover
 
     required property var viewModel
-    // Built when the popover opens.
+    // Built when the popover opens, and again when new weather arrives while it is open.
     property var vm: null
 
     objectName: "dailyWeatherPopOver"
     padding: 10
-    width: 340
+    width: 360
     onAboutToShow: vm = viewModel.dailyWeatherViewModel()
+    onClosed: citySearch.visible = false
     background: Rectangle {
         color: popover.palette.window
         border.color: popover.palette.mid
         radius: 6
+    }
+
+    Connections {
+        target: popover.viewModel
+        enabled: popover.opened
+        function onWeatherInfoChanged() { popover.vm = popover.viewModel.dailyWeatherViewModel() }
     }
 
     contentItem: ColumnLayout {
@@ -30,9 +38,73 @@ Popup {
             Layout.fillWidth: true
             elide: Text.ElideRight
             Layout.margins: 5
-            text: popover.vm ? popover.vm.title : ""
+            Layout.bottomMargin: 0
+            text: popover.viewModel.weatherPlaceTitle
             font.pixelSize: 20
             font.bold: true
+        }
+        RowLayout {
+            Layout.leftMargin: 5
+            Layout.rightMargin: 5
+            Label {
+                objectName: "placeNote"
+                Layout.fillWidth: true
+                text: popover.viewModel.weatherPlaceNote
+                visible: text.length > 0
+                font.italic: popover.viewModel.weatherPlaceIsGuess
+                color: popover.palette.placeholderText
+                wrapMode: Text.Wrap
+            }
+            ActionButton {
+                objectName: "chooseCity"
+                text: qsTr("Choose your city")
+                flat: true
+                visible: !citySearch.visible
+                onClicked: {
+                    citySearch.visible = true
+                    citySearch.focusField()
+                }
+            }
+        }
+        CitySearchField {
+            id: citySearch
+            objectName: "popoverCitySearch"
+            Layout.fillWidth: true
+            Layout.leftMargin: 5
+            Layout.rightMargin: 5
+            visible: false
+            onChosen: city => {
+                visible = false
+                popover.viewModel.chooseWeatherCity(city)
+            }
+        }
+        Label {
+            objectName: "noWeather"
+            Layout.margins: 5
+            visible: !popover.vm
+            text: qsTr("No weather yet.")
+            color: popover.palette.placeholderText
+        }
+        GridLayout {
+            objectName: "details"
+            Layout.fillWidth: true
+            Layout.leftMargin: 5
+            Layout.rightMargin: 5
+            columns: 4
+            columnSpacing: 10
+            rowSpacing: 2
+            visible: popover.vm !== null && popover.vm.details.length > 0
+            Repeater {
+                model: popover.vm ? popover.vm.details : []
+                delegate: RowLayout {
+                    id: detail
+                    required property var modelData
+                    Layout.columnSpan: 2
+                    Layout.fillWidth: true
+                    Label { text: detail.modelData.label; color: popover.palette.placeholderText; font.pixelSize: 12 }
+                    Label { text: detail.modelData.value; font.pixelSize: 12; Layout.fillWidth: true }
+                }
+            }
         }
         Repeater {
             model: popover.vm ? popover.vm.rows : []
@@ -77,6 +149,7 @@ Popup {
             readonly property string link: (markdown.match(/\]\(([^)]*)\)/) || ["", ""])[1]
             Layout.fillWidth: true
             Layout.topMargin: 4
+            visible: popover.vm !== null
             enabled: link.length > 0
             focusPolicy: Qt.TabFocus
             Accessible.role: Accessible.Link

@@ -54,11 +54,20 @@ struct Placemark
 class Geocoder
 {
 public:
+    using PlaceAnswer = std::function<void(const std::optional<QGeoCoordinate> &, const Placemark &)>;
+
     virtual ~Geocoder() = default;
     /// `done` gets the placemarks (never an empty list) or nothing on any failure; not called once `context` is gone.
     virtual void reverseGeocode(const QGeoCoordinate &position, QObject *context,
                                 std::function<void(const std::optional<QList<Placemark>> &)> done) = 0;
     /// The position and names of the first place called `name`, or nothing.
-    virtual void geocodePlace(const QString &name, QObject *context,
-                              std::function<void(const std::optional<QGeoCoordinate> &, const Placemark &)> done) = 0;
+    virtual void geocodePlace(const QString &name, QObject *context, PlaceAnswer done) = 0;
+    /// The position and names of the city of a time zone ("Europe/Madrid": Madrid), or nothing; a geocoder that
+    /// knows no time zones answers nothing.
+    virtual void placeOfTimeZone(const QString &zoneId, QObject *context, PlaceAnswer done)
+    {
+        Q_UNUSED(zoneId);
+        Q_UNUSED(context);
+        done(std::nullopt, {});
+    }
 };

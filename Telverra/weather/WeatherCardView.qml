@@ -48,7 +48,8 @@ ActionControl {
         y: card.height + 4
         x: card.width - width
         viewModel: card.viewModel
-        visible: card.showDailyWeatherPopOver && card.weather !== undefined && card.weather !== null
+        // Also without weather: it names the place and lets the user choose a city.
+        visible: card.showDailyWeatherPopOver
         onClosed: card.showDailyWeatherPopOver = false
     }
 }

@@ -84,6 +84,17 @@ QJsonArray encodeConditions(const QList<Weather> &conditions)
 
 } // namespace
 
+bool WeatherInfo::has(const QString &field, qsizetype day) const
+{
+    if (absent.contains(field)) {
+        return false;
+    }
+    if (day < 0 || !field.startsWith(u"daily.")) {
+        return true;
+    }
+    return !absent.contains(u"daily." + QString::number(day) + field.mid(5));
+}
+
 std::optional<WeatherInfo> WeatherInfo::decode(const QByteArray &json)
 {
     StrictJson reader;

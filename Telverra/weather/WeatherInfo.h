@@ -4,6 +4,7 @@
 #include <QJsonObject>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -80,6 +81,14 @@ struct Daily
     bool operator==(const Daily &) const = default;
 };
 
+/// Where a document came from: the One Call service (with a key), or MET Norway's keyless forecast turned into the
+/// same document.
+enum class WeatherProvider
+{
+    oneCall,
+    metNorway,
+};
+
 struct WeatherInfo
 {
     double lat = 0;
@@ -88,7 +97,14 @@ struct WeatherInfo
     qint64 timezoneOffset = 0;
     Current current;
     QList<Daily> daily;
+    // Beside the document: its source, and the fields that source does not give ("current.uvi", "daily.pop",
+    // "daily.2.sunrise" for one day), which hold 0 and are never shown.
+    WeatherProvider provider = WeatherProvider::oneCall;
+    QStringList absent;
     bool operator==(const WeatherInfo &) const = default;
+
+    /// Whether the source gave the field ("current.uvi"), or for a day ("daily.pop" for day 2 is also "daily.2.pop").
+    bool has(const QString &field, qsizetype day = -1) const;
 
     /// The document, or nothing when a required field is missing or any field has the wrong shape.
     static std::optional<WeatherInfo> decode(const QByteArray &json);

@@ -1,6 +1,9 @@
 #include "WeatherPresentation.h"
 
 #include "common/FatalError.h"
+#include "weather/MetNorwayForecast.h"
+
+#include <QCoreApplication>
 
 #include <QCoreApplication>
 
@@ -108,12 +111,54 @@ QString dayLabel(qint64 secondsSince1970, const QDateTime &now, const QLocale &l
     return abbreviatedWeekday(date, locale);
 }
 
-QString attributionText(const QDateTime &updated, const QDateTime &now, const QLocale &locale)
+QString attributionText(const QDateTime &updated, const QDateTime &now, const QLocale &locale, WeatherProvider provider)
 {
+    if (provider == WeatherProvider::metNorway) {
+        return QCoreApplication::translate("WeatherPresentation",
+                                           "Data from [MET Norway](%1). Last updated on %2 at %3")
+            .arg(QString::fromLatin1(MetNorwayForecast::providerAddress), abbreviatedWeekday(updated, locale),
+                 relativeTimeText(updated, now, locale));
+    }
     return QCoreApplication::translate("WeatherPresentation",
                                        "free weather data provided by [Open Weather Map](%1). Last updated on %2 at %3")
         .arg(QString::fromLatin1(providerAddress), abbreviatedWeekday(updated, locale),
              relativeTimeText(updated, now, locale));
+}
+
+QVariantList currentDetails(const WeatherInfo &info, const QLocale &locale)
+{
+    const Current &now = info.current;
+    QVariantList details;
+    auto add = [&details, &info](const char *field, const char *label, const QString &value) {
+        if (info.has(QLatin1StringView(field))) {
+            details.append(
+                QVariantMap{{QStringLiteral("label"), QCoreApplication::translate("WeatherPresentation", label)},
+                            {QStringLiteral("value"), value}});
+        }
+    };
+    auto hourText = [&locale](const std::optional<qint64> &seconds) {
+        return locale.toString(QDateTime::fromSecsSinceEpoch(*seconds).time(), QStringLiteral("HH:mm"));
+    };
+    add("current.feels_like", QT_TRANSLATE_NOOP("WeatherPresentation", "Feels like"),
+        temperatureText(now.feelsLike) + u"º");
+    add("current.humidity", QT_TRANSLATE_NOOP("WeatherPresentation", "Humidity"),
+        locale.toString(now.humidity) + u" %");
+    add("current.wind_speed", QT_TRANSLATE_NOOP("WeatherPresentation", "Wind"),
+        locale.toString(now.windSpeed, 'f', 1) + u" m/s");
+    add("current.pressure", QT_TRANSLATE_NOOP("WeatherPresentation", "Pressure"),
+        locale.toString(now.pressure) + u" hPa");
+    add("current.uvi", QT_TRANSLATE_NOOP("WeatherPresentation", "UV index"), locale.toString(now.uvi, 'f', 1));
+    add("current.dew_point", QT_TRANSLATE_NOOP("WeatherPresentation", "Dew point"),
+        temperatureText(now.dewPoint) + u"º");
+    add("current.visibility", QT_TRANSLATE_NOOP("WeatherPresentation", "Visibility"),
+        locale.toString(double(now.visibility) / 1000.0, 'f', 1) + u" km");
+    if (now.sunrise) {
+        add("current.sunrise", QT_TRANSLATE_NOOP("WeatherPresentation", "Sunrise"), hourText(now.sunrise));
+    }
+    if (now.sunset) {
+        add("current.sunset", QT_TRANSLATE_NOOP("WeatherPresentation", "Sunset"), hourText(now.sunset));
+    }
+    return details;
 }
 
 QString placeTitle(const QString &cityName, const QString &countryName)
@@ -141,6 +186,8 @@ WeatherInfoViewModel WeatherInfoViewModel::from(const WeatherInfo &info, const Q
     model.description = condition.weatherDescription;
     model.daily = info.daily;
     model.date = QDateTime::fromSecsSinceEpoch(info.current.dt, now.timeSpec());
+    model.provider = info.provider;
+    model.details = WeatherPresentation::currentDetails(info);
     return model;
 }
 
@@ -167,6 +214,7 @@ DailyWeatherViewModel DailyWeatherViewModel::make(const WeatherInfoViewModel &we
              WeatherPresentation::dailyWeatherIcon(day.weather.first().main, now.time().hour())},
             {QStringLiteral("isToday"), QDateTime::fromSecsSinceEpoch(day.dt, now.timeSpec()).date() == now.date()}});
     }
-    model.attribution = WeatherPresentation::attributionText(weather.date, now);
+    model.attribution = WeatherPresentation::attributionText(weather.date, now, QLocale::system(), weather.provider);
+    model.details = weather.details;
     return model;
 }

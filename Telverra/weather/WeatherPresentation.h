@@ -29,8 +29,12 @@ QString relativeTimeText(const QDateTime &date, const QDateTime &now, const QLoc
 QString dayLabel(qint64 secondsSince1970, const QDateTime &now, const QLocale &locale = QLocale::system());
 /// The abbreviated weekday of the date, first letter capitalized.
 QString abbreviatedWeekday(const QDateTime &date, const QLocale &locale = QLocale::system());
-/// The attribution line, with the provider's name as a Markdown link.
-QString attributionText(const QDateTime &updated, const QDateTime &now, const QLocale &locale = QLocale::system());
+/// The attribution line of the document's source, with the provider's name as a Markdown link.
+QString attributionText(const QDateTime &updated, const QDateTime &now, const QLocale &locale = QLocale::system(),
+                        WeatherProvider provider = WeatherProvider::oneCall);
+/// The current conditions beyond the temperature, each a map of "label" and "value", in the order the pop-over shows
+/// them; what the document's source does not give is left out.
+QVariantList currentDetails(const WeatherInfo &info, const QLocale &locale = QLocale::system());
 /// The popover's title: city and country joined by ", ", leaving out the empty ones.
 QString placeTitle(const QString &cityName, const QString &countryName);
 
@@ -46,6 +50,7 @@ class WeatherInfoViewModel
     Q_PROPERTY(QString main MEMBER main)
     Q_PROPERTY(QString description MEMBER description)
     Q_PROPERTY(QDateTime date MEMBER date)
+    Q_PROPERTY(QVariantList details MEMBER details)
 public:
     QString openweather_id;
     QString temp;
@@ -54,6 +59,9 @@ public:
     QString description;
     QList<Daily> daily;
     QDateTime date;
+    WeatherProvider provider = WeatherProvider::oneCall;
+    /// WeatherPresentation::currentDetails() of the document.
+    QVariantList details;
 
     /// The record of a document; the current block must hold at least one condition (stops the program otherwise).
     static WeatherInfoViewModel from(const WeatherInfo &info, const QDateTime &now);
@@ -70,6 +78,7 @@ class DailyWeatherViewModel
     Q_PROPERTY(QString title MEMBER title)
     Q_PROPERTY(QVariantList rows MEMBER rows)
     Q_PROPERTY(QString attribution MEMBER attribution)
+    Q_PROPERTY(QVariantList details MEMBER details)
 public:
     QDateTime date;
     QList<Daily> dailyInfo;
@@ -80,6 +89,7 @@ public:
     /// One map per day: dayLabel, max, min, icon, isToday.
     QVariantList rows;
     QString attribution;
+    QVariantList details;
 
     static DailyWeatherViewModel make(const WeatherInfoViewModel &weather, const QString &cityName,
                                       const QString &countryName, const QDateTime &now);

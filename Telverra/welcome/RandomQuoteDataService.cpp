@@ -5,15 +5,49 @@
 #include "settings/DeploymentSettings.h"
 
 #include <QCoreApplication>
+#include <QPointer>
+#include <QRandomGenerator>
 #include <QUrl>
+#include <QtConcurrent>
 
 RandomQuoteDataService::RandomQuoteDataService(QNetworkAccessManager &network, const DeploymentSettings &deployment,
-                                               const QString &languageLocale, QObject *parent)
+                                               const QString &languageLocale, QObject *parent,
+                                               const QString &fortuneRoot)
     : QObject(parent)
     , m_languageLocale(languageLocale)
     , m_network(network)
 {
-    fetch(deployment.baseUrl(QStringLiteral("QUOTE_SERVICE_BASE_URL")), {});
+    const QString host = deployment.baseUrl(QStringLiteral("QUOTE_SERVICE_BASE_URL"));
+    if (host.isEmpty()) {
+        pickLocally(fortuneRoot);
+        return;
+    }
+    m_fromHost = true;
+    fetch(host, {});
+}
+
+void RandomQuoteDataService::pickLocally(const QString &fortuneRoot)
+{
+    m_picking = true;
+    const QString folder = FortuneQuotes::folderFor(fortuneRoot, quotePath(m_languageLocale).endsWith(u"es_ES"));
+    QPointer<RandomQuoteDataService> self(this);
+    (void)QtConcurrent::run([self, folder] {
+        std::optional<QString> quote = FortuneQuotes::pick(folder, *QRandomGenerator::global());
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [self, quote = std::move(quote)] {
+                if (!self) {
+                    return;
+                }
+                self->m_picking = false;
+                if (quote) {
+                    self->m_randomQuote = *quote;
+                    Q_EMIT self->randomQuoteChanged();
+                }
+                Q_EMIT self->awaitsQuoteChanged();
+            },
+            Qt::QueuedConnection);
+    });
 }
 
 QString RandomQuoteDataService::quotePath(const QString &languageLocale)

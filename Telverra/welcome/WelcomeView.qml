@@ -5,7 +5,7 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Telverra
 
-// The first screen: a greeting by the hour and a saying, with a waiting wave until the saying arrives.
+// The first screen: a greeting by the hour and a saying, with a waiting wave while the saying may still arrive.
 Item {
     id: welcome
 
@@ -14,12 +14,14 @@ Item {
     property date now: new Date()
     property int count: 0
     readonly property string quote: viewModel.randomQuote
+    // Without a quote to come (no fortune files installed), the greeting stands alone.
+    readonly property bool waiting: quote.length === 0 && viewModel.quoteAwaited
 
     // The wave moves only while it can be seen: behind another section it would keep the window drawing.
     Timer {
         interval: 500
         repeat: true
-        running: welcome.visible && welcome.quote.length === 0
+        running: welcome.visible && welcome.waiting
         onTriggered: welcome.count = welcome.count === 3 ? 0 : welcome.count + 1
     }
 
@@ -58,7 +60,7 @@ Item {
             objectName: "indicator"
             Layout.alignment: Qt.AlignHCenter
             Layout.topMargin: 30
-            visible: welcome.quote.length === 0
+            visible: welcome.waiting
             spacing: 10
             width: 100
             height: 40

@@ -480,7 +480,7 @@ void tst_HomeWindowViewModel::placeWeatherAndQuote()
     QFile onecall(QStringLiteral(TELVERRA_TEST_DATA "/onecall.json"));
     QVERIFY(onecall.open(QIODevice::ReadOnly));
     LoopbackHttpServer &server = m_app->server;
-    server.setResponse(u"/data/2.5/onecall"_qs, 200, "application/json", onecall.readAll());
+    server.setResponse(u"/data/3.0/onecall"_qs, 200, "application/json", onecall.readAll());
     server.setResponse(u"/randomquote/es_ES"_qs, 200, "application/json", R"({"language":"es","text":"Hola."})");
     server.setResponse(u"/randomquote/en_US"_qs, 200, "application/json", R"({"language":"en","text":"Hi."})");
     m_app->serveQuotes();
@@ -500,12 +500,12 @@ void tst_HomeWindowViewModel::placeWeatherAndQuote()
     QCOMPARE(popover.rows.size(), 4);
     QTRY_VERIFY(!vm().randomQuote().isEmpty());
     QVERIFY(server.requests().contains(
-        u"GET /data/2.5/onecall?lat=28.4636&lon=-16.2518&exclude=hourly,minutely&units=metric&lang=es_ES&appid=k3y"_qs));
+        u"GET /data/3.0/onecall?lat=28.4636&lon=-16.2518&exclude=hourly,minutely&units=metric&lang=es_ES&appid=k3y"_qs));
 
     // "Update weather info": the location start-up again, which fetches again.
     m_app->location.position = QGeoCoordinate(40.0, -3.5);
     vm().updateWeatherInfo();
-    QTRY_VERIFY(server.requests().last().startsWith(u"GET /data/2.5/onecall?lat=40.0&lon=-3.5&"));
+    QTRY_VERIFY(server.requests().last().startsWith(u"GET /data/3.0/onecall?lat=40.0&lon=-3.5&"));
     QCOMPARE(vm().weatherInfoService()->cancelables(), 2);
 }
 

@@ -30,8 +30,11 @@ TestCase {
         open(createTemporaryQmlObject(`import QtQml
             QtObject {
                 property var preferences: testSupport.freshPreferences()
-                property var weatherInfoService: viewModel.weatherInfoService
-                property var corelocationDataService: viewModel.corelocationDataService
+                property string weatherPlaceTitle: ""
+                property string weatherPlaceNote: ""
+                property bool weatherPlaceIsGuess: false
+                property bool weatherPlaceIsChosen: false
+                property var weatherStatus: viewModel.weatherStatus
                 property var recentCallsDataService: viewModel.recentCallsDataService
                 property var favoritesDataService: viewModel.favoritesDataService
             }`, testCase))
@@ -81,6 +84,31 @@ TestCase {
         showTab("General")
         showTab("Quick Actions")
         tryCompare(phone, "text", "Opens in Recorder")
+    }
+
+    function test_chooseACityThenUseTheLocationAgain() {
+        open()
+        const search = find("settingsCitySearch")
+        const input = findChild(search, "citySearch")
+        input.forceActiveFocus()
+        input.text = "cadiz" // as typed
+        tryVerify(() => search.results.count > 1, 5000)
+        const second = search.results.city(1) // two Cadiz: the second one in the list
+        testSupport.sendKey(settings, Qt.Key_Down, 0)
+        testSupport.sendKey(settings, Qt.Key_Return, 0)
+        tryCompare(viewModel, "weatherPlaceIsChosen", true)
+        compare(viewModel.weatherPlaceTitle, second.name + ", " + second.country)
+        compare(viewModel.cityName, "Cadiz")
+        compare(find("weatherPlace").text, viewModel.weatherPlaceTitle)
+        compare(find("weatherPlaceNote").text, "Chosen by you")
+        compare(input.text, "")
+
+        const useLocation = find("useMyLocation")
+        verify(useLocation.visible)
+        mouseClick(useLocation)
+        tryCompare(viewModel, "weatherPlaceIsChosen", false)
+        tryCompare(viewModel, "cityName", "La Laguna")
+        verify(!useLocation.visible)
     }
 
     // Each reset asks first: dismissed, nothing is deleted; confirmed, all of it at once. An alert of no type only says so.

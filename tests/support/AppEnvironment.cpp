@@ -8,6 +8,7 @@ AppEnvironment::AppEnvironment()
                        "BEGIN:VCARD\nUID:3m\nORG:3M\nEND:VCARD\n")
 {
     preferences->setValue(PreferenceKey::fixedQuoteOnStartup, true);
+    serveQuotes(); // it has no quote: 404, so no saying from the machine's fortune files
     valid = home.isValid() && serveWeather();
     makeViewModel();
 }

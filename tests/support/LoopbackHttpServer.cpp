@@ -21,9 +21,27 @@ bool LoopbackHttpServer::listen()
 }
 
 void LoopbackHttpServer::setResponse(const QString &path, int status, const QByteArray &contentType,
-                                     const QByteArray &body)
+                                     const QByteArray &body, const Headers &headers)
 {
-    m_responses.insert(path, {status, contentType, body});
+    Response response{status, contentType, body};
+    response.headers = headers;
+    m_responses.insert(path, response);
+}
+
+void LoopbackHttpServer::setHandler(const QString &path, Handler handler)
+{
+    Response response;
+    response.handler = std::move(handler);
+    m_responses.insert(path, response);
+}
+
+QList<QByteArray> LoopbackHttpServer::requestHeader(const QByteArray &name) const
+{
+    QList<QByteArray> values;
+    for (const auto &headers : m_requestHeaders) {
+        values.append(headers.value(name.toLower()));
+    }
+    return values;
 }
 
 void LoopbackHttpServer::setTrickle(const QString &path, const QByteArray &body, int intervalMs)
@@ -73,8 +91,21 @@ void LoopbackHttpServer::serve(QTcpSocket *socket)
     const QList<QByteArray> requestLine = request.left(request.indexOf("\r\n")).split(' ');
     const QString target = QString::fromLatin1(requestLine.value(1));
     m_requests.append(QString::fromLatin1(requestLine.value(0)) + u' ' + target);
+    QHash<QByteArray, QByteArray> headers;
+    for (const QByteArray &line : request.left(request.indexOf("\r\n\r\n")).split('\n').mid(1)) {
+        const qsizetype colon = line.indexOf(':');
+        if (colon > 0) {
+            headers.insert(line.left(colon).trimmed().toLower(), line.mid(colon + 1).trimmed());
+        }
+    }
+    m_requestHeaders.append(headers);
     const QString path = target.left(target.indexOf(u'?') < 0 ? target.size() : target.indexOf(u'?'));
-    const Response response = m_responses.value(path);
+    Response response = m_responses.value(path);
+    if (response.handler) {
+        const Answer answer = response.handler(headers);
+        response = Response{answer.status, answer.contentType, answer.body};
+        response.headers = answer.headers;
+    }
     socket->disconnect(this); // one request per connection
     if (response.streamSize >= 0) {
         socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n" +
@@ -100,8 +131,12 @@ void LoopbackHttpServer::serve(QTcpSocket *socket)
         timer->start(response.trickleMs);
         return;
     }
+    QByteArray extra;
+    for (const auto &[name, value] : response.headers) {
+        extra += name + ": " + value + "\r\n";
+    }
     socket->write("HTTP/1.1 " + QByteArray::number(response.status) + " Answer\r\nContent-Type: " +
-                  response.contentType + "\r\nContent-Length: " + QByteArray::number(response.body.size()) +
-                  "\r\nConnection: close\r\n\r\n" + response.body);
+                  response.contentType + "\r\nContent-Length: " + QByteArray::number(response.body.size()) + "\r\n" +
+                  extra + "Connection: close\r\n\r\n" + response.body);
     socket->disconnectFromHost();
 }

@@ -41,7 +41,7 @@ bool ViewModelFixture::serveWeather()
     if (!server.isListening() || !onecall.open(QIODevice::ReadOnly)) {
         return false;
     }
-    server.setResponse(u"/data/2.5/onecall"_qs, 200, "application/json", onecall.readAll());
+    server.setResponse(u"/data/3.0/onecall"_qs, 200, "application/json", onecall.readAll());
     return true;
 }
 

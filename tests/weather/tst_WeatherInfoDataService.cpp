@@ -1,22 +1,27 @@
-// The weather service against a real HTTP server on 127.0.0.1: the request it sends, what it keeps from each answer,
-// and the limits that protect it from a slow or endless server.
+// The weather service against real HTTP servers on 127.0.0.1, a One Call stand-in and a MET Norway stand-in that
+// refuses clients that do not say who they are: the requests it sends, what it keeps from each answer (on disk too),
+// when it asks again, and the limits that protect it from a slow or endless server.
 #include "common/Trace.h"
 #include "settings/DeploymentSettings.h"
 #include "support/LoopbackHttpServer.h"
 #include "support/TestHome.h"
+#include "weather/MetNorwayForecast.h"
 #include "weather/WeatherInfoDataService.h"
 
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QLocale>
 #include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QSignalSpy>
 #include <QTest>
 
 namespace {
 
-const QString onecallPath = QStringLiteral("/data/2.5/onecall");
+const QString onecallPath = QStringLiteral("/data/3.0/onecall");
+const QString forecastPath = QStringLiteral("/weatherapi/locationforecast/2.0/complete");
 
 QJsonObject fixture()
 {
@@ -57,6 +62,34 @@ QByteArray document(const QString &path = {}, const QJsonValue &value = QJsonVal
     return QJsonDocument(result).toJson(QJsonDocument::Compact);
 }
 
+// The Locationforecast fixture moved to the current hour, as the service reads it at the real time.
+QByteArray currentForecast()
+{
+    QFile file(QStringLiteral(TELVERRA_TEST_DATA "/locationforecast.json"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        qFatal("cannot read the Locationforecast fixture");
+    }
+    QJsonObject root = QJsonDocument::fromJson(file.readAll()).object();
+    QJsonObject properties = root.value(u"properties").toObject();
+    QJsonArray series = properties.value(u"timeseries").toArray();
+    const QDateTime hour = QDateTime::currentDateTimeUtc().addSecs(-(QDateTime::currentSecsSinceEpoch() % 3600));
+    const qint64 shift = QDateTime(QDate(2026, 11, 22), QTime(10, 0), QTimeZone::utc()).secsTo(hour);
+    for (qsizetype i = 0; i < series.size(); ++i) {
+        QJsonObject step = series.at(i).toObject();
+        const QDateTime time = QDateTime::fromString(step.value(u"time").toString(), Qt::ISODate);
+        step.insert(u"time"_qs, time.addSecs(shift).toString(Qt::ISODate));
+        series[i] = step;
+    }
+    properties.insert(u"timeseries"_qs, series);
+    root.insert(u"properties"_qs, properties);
+    return QJsonDocument(root).toJson(QJsonDocument::Compact);
+}
+
+QByteArray httpDate(const QDateTime &date)
+{
+    return QLocale::c().toString(date.toUTC(), u"ddd, dd MMM yyyy HH:mm:ss 'GMT'").toLatin1();
+}
+
 } // namespace
 
 class tst_WeatherInfoDataService : public QObject
@@ -71,8 +104,10 @@ private Q_SLOTS:
     void coordinateText();
     void requestText_data();
     void requestText();
-    void missingKey_data();
-    void missingKey();
+    void providers_data();
+    void providers();
+    void keylessForecast();
+    void keylessAnswerKeptUntilItExpires();
     void failuresKeepThePreviousDocument_data();
     void failuresKeepThePreviousDocument();
     void slowServerCutAtTheDeadline();
@@ -81,6 +116,9 @@ private Q_SLOTS:
 
 private:
     std::unique_ptr<DeploymentSettings> settings(const QString &keyLine);
+    // The MET Norway stand-in: 403 to a client that does not say it is Telverra, 304 to a question whether the
+    // answer of `lastModified` changed, the forecast otherwise; every answer expires `expiresIn` seconds later.
+    void serveForecast(const QByteArray &lastModified, int expiresIn);
     std::unique_ptr<TestHome> m_home;
     LoopbackHttpServer *m_server = nullptr;
     QNetworkAccessManager *m_network = nullptr;
@@ -88,6 +126,7 @@ private:
 
 void tst_WeatherInfoDataService::init()
 {
+    m_home.reset(); // first: it puts back the environment it found
     m_home = std::make_unique<TestHome>();
     delete m_server;
     m_server = new LoopbackHttpServer(this);
@@ -99,9 +138,25 @@ void tst_WeatherInfoDataService::init()
 std::unique_ptr<DeploymentSettings> tst_WeatherInfoDataService::settings(const QString &keyLine)
 {
     const QString file = m_home->writeFile(
-        QStringLiteral("Info.ini"),
-        (u"[General]\n" + keyLine + u"\nWEATHER_API_BASE_URL=" + m_server->baseUrl() + u'\n').toUtf8());
+        QStringLiteral("Info.ini"), (u"[General]\n" + keyLine + u"\nWEATHER_API_BASE_URL=" + m_server->baseUrl() +
+                                     u"\nMET_NORWAY_BASE_URL=" + m_server->baseUrl() + u'\n')
+                                        .toUtf8());
     return std::make_unique<DeploymentSettings>(file);
+}
+
+void tst_WeatherInfoDataService::serveForecast(const QByteArray &lastModified, int expiresIn)
+{
+    m_server->setHandler(forecastPath, [lastModified, expiresIn](const QHash<QByteArray, QByteArray> &request) {
+        const LoopbackHttpServer::Headers headers{
+            {"Expires", httpDate(QDateTime::currentDateTimeUtc().addSecs(expiresIn))}, {"Last-Modified", lastModified}};
+        if (!request.value("user-agent").startsWith("Telverra/")) {
+            return LoopbackHttpServer::Answer{403, "text/plain", "Identify yourself", {}};
+        }
+        if (request.value("if-modified-since") == lastModified) {
+            return LoopbackHttpServer::Answer{304, "application/json", {}, headers};
+        }
+        return LoopbackHttpServer::Answer{200, "application/json", currentForecast(), headers};
+    });
 }
 
 void tst_WeatherInfoDataService::decoding_data()
@@ -166,21 +221,27 @@ void tst_WeatherInfoDataService::roundTrip()
 void tst_WeatherInfoDataService::coordinateText_data()
 {
     QTest::addColumn<double>("value");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("integral") << 40.0 << u"40.0"_qs;
-    QTest::newRow("half") << -3.5 << u"-3.5"_qs;
-    QTest::newRow("latitude") << 28.4636 << u"28.4636"_qs;
-    QTest::newRow("longitude") << -16.2518 << u"-16.2518"_qs;
-    QTest::newRow("zero") << 0.0 << u"0.0"_qs;
-    QTest::newRow("shortest of a sum") << 0.1 + 0.2 << u"0.30000000000000004"_qs;
+    QTest::addColumn<QString>("text");    // One Call: the shortest text that reads back the same
+    QTest::addColumn<QString>("keyless"); // MET Norway: four decimals at most
+    QTest::newRow("integral") << 40.0 << u"40.0"_qs << u"40"_qs;
+    QTest::newRow("half") << -3.5 << u"-3.5"_qs << u"-3.5"_qs;
+    QTest::newRow("latitude") << 28.4636 << u"28.4636"_qs << u"28.4636"_qs;
+    QTest::newRow("longitude") << -16.2518 << u"-16.2518"_qs << u"-16.2518"_qs;
+    QTest::newRow("zero") << 0.0 << u"0.0"_qs << u"0"_qs;
+    QTest::newRow("shortest of a sum") << 0.1 + 0.2 << u"0.30000000000000004"_qs << u"0.3"_qs;
+    QTest::newRow("five decimals rounded") << 28.46824 << u"28.46824"_qs << u"28.4682"_qs;
+    QTest::newRow("rounded up") << -16.25465 << u"-16.25465"_qs << u"-16.2547"_qs;
+    QTest::newRow("rounded to nothing") << -0.00001 << u"-1e-05"_qs << u"0"_qs;
 }
 
 void tst_WeatherInfoDataService::coordinateText()
 {
     QFETCH(double, value);
     QFETCH(QString, text);
+    QFETCH(QString, keyless);
     QCOMPARE(WeatherInfoDataService::coordinateText(value), text);
     QCOMPARE(text.toDouble(), value);
+    QCOMPARE(MetNorwayForecast::coordinateText(value), keyless);
 }
 
 void tst_WeatherInfoDataService::requestText_data()
@@ -190,10 +251,10 @@ void tst_WeatherInfoDataService::requestText_data()
     QTest::addColumn<QString>("request");
     QTest::newRow("Madrid")
         << 40.0 << -3.5
-        << u"GET /data/2.5/onecall?lat=40.0&lon=-3.5&exclude=hourly,minutely&units=metric&lang=es_ES"
+        << u"GET /data/3.0/onecall?lat=40.0&lon=-3.5&exclude=hourly,minutely&units=metric&lang=es_ES"
            u"&appid=k3y"_qs;
     QTest::newRow("Tenerife") << 28.4636 << -16.2518
-                              << u"GET /data/2.5/onecall?lat=28.4636&lon=-16.2518&exclude=hourly,minutely&units=metric"
+                              << u"GET /data/3.0/onecall?lat=28.4636&lon=-16.2518&exclude=hourly,minutely&units=metric"
                                  u"&lang=es_ES&appid=k3y"_qs;
 }
 
@@ -218,33 +279,128 @@ void tst_WeatherInfoDataService::requestText()
     QVERIFY(published.wait());
 }
 
-void tst_WeatherInfoDataService::missingKey_data()
+void tst_WeatherInfoDataService::providers_data()
 {
     QTest::addColumn<QString>("keyLine");
-    QTest::newRow("absent") << QString();
-    QTest::newRow("empty") << u"WEATHER_API_KEY="_qs;
+    QTest::addColumn<int>("oneCallStatus");
+    QTest::addColumn<QStringList>("paths"); // asked, in order, for two positions
+    QTest::addColumn<bool>("keyRefused");
+    QTest::addColumn<WeatherProvider>("provider");
+    const QStringList keyless{forecastPath, forecastPath};
+    QTest::newRow("no key") << QString() << 200 << keyless << false << WeatherProvider::metNorway;
+    QTest::newRow("an empty key") << u"WEATHER_API_KEY="_qs << 200 << keyless << false << WeatherProvider::metNorway;
+    QTest::newRow("a key") << u"WEATHER_API_KEY=k3y"_qs << 200 << QStringList{onecallPath, onecallPath} << false
+                           << WeatherProvider::oneCall;
+    // No One Call 3.0 subscription: the keyless forecast at once, and from then on.
+    QTest::newRow("a key One Call refuses")
+        << u"WEATHER_API_KEY=k3y"_qs << 401 << QStringList{onecallPath, forecastPath, forecastPath} << true
+        << WeatherProvider::metNorway;
+    QTest::newRow("One Call busy") << u"WEATHER_API_KEY=k3y"_qs << 429 << QStringList{onecallPath, onecallPath} << false
+                                   << WeatherProvider::oneCall;
 }
 
-void tst_WeatherInfoDataService::missingKey()
+void tst_WeatherInfoDataService::providers()
 {
     QFETCH(QString, keyLine);
-    m_server->setResponse(onecallPath, 401, "application/json", R"({"cod":401})");
+    QFETCH(int, oneCallStatus);
+    QFETCH(QStringList, paths);
+    QFETCH(bool, keyRefused);
+    QFETCH(WeatherProvider, provider);
+    m_server->setResponse(onecallPath, oneCallStatus, "application/json",
+                          oneCallStatus == 200 ? document() : QByteArray(R"({"cod":401})"));
+    serveForecast("Sun, 22 Nov 2026 09:41:07 GMT", 0);
     Trace::Capture capture;
     const auto deployment = settings(keyLine);
     WeatherInfoDataService service(*m_network, *deployment);
-    QCOMPARE(capture.lines(), QStringList{u"💥 Error !!! Weather API SECRET KEY cannot be found on system. Unable to "
-                                          u"continue with Weather Data Service."_qs});
-    QCOMPARE(service.weatherApiKey(), QString());
-    service.getWeatherInfo(40, -3.5);
-    QTRY_COMPARE(m_server->requests().size(), 1);
-    QVERIFY(m_server->requests().first().endsWith(u"&appid="));
+    QCOMPARE(capture.lines().size(), 1);
+    QCOMPARE(capture.lines().first().startsWith(u"💥 Error !!!"), !keyLine.endsWith(u"k3y"));
+    QSignalSpy refused(&service, &WeatherInfoDataService::keyRefusedChanged);
+    service.getWeatherInfo(28.4636, -16.2518);
+    QTRY_COMPARE(m_server->requests().size(), paths.size() - 1);
+    service.getWeatherInfo(40.4168, -3.7038);
+    QTRY_COMPARE(m_server->requests().size(), paths.size());
+    QStringList asked;
+    for (const QString &request : m_server->requests()) {
+        asked.append(request.section(u' ', 1).section(u'?', 0, 0));
+    }
+    QCOMPARE(asked, paths);
+    QCOMPARE(service.keyRefused(), keyRefused);
+    QCOMPARE(refused.size(), keyRefused ? 1 : 0);
+    if (oneCallStatus != 429) {
+        QTRY_VERIFY(service.weatherInfo());
+        QCOMPARE(service.weatherInfo()->provider, provider);
+    }
+}
+
+void tst_WeatherInfoDataService::keylessForecast()
+{
+    serveForecast("Sun, 22 Nov 2026 09:41:07 GMT", 3600);
+    const auto deployment = settings(QString());
+    WeatherInfoDataService service(*m_network, *deployment);
+    QSignalSpy published(&service, &WeatherInfoDataService::weatherInfoChanged);
+    service.getWeatherInfo(28.46824, -16.25465);
+    QVERIFY(published.wait());
+    QCOMPARE(m_server->requests(), QStringList{u"GET " + forecastPath + u"?lat=28.4682&lon=-16.2547"});
+    QCOMPARE(m_server->requestHeader("User-Agent"), QList<QByteArray>{userAgent()});
+    QVERIFY(userAgent().startsWith("Telverra/" TELVERRA_VERSION " (+http"));
+    const WeatherInfo &info = *service.weatherInfo();
+    QCOMPARE(info.current.temp, 17.2);
+    QCOMPARE(info.current.weather.value(0).weatherDescription, u"scattered clouds"_qs);
+    QVERIFY(info.daily.size() >= 5);
+    QVERIFY(!info.has(u"current.visibility"_qs));
+
+    // The stand-in refuses who does not say who they are, as MET Norway does (Qt's own agent is "Mozilla/5.0").
+    QNetworkRequest anonymous(QUrl(m_server->baseUrl() + forecastPath + u"?lat=28.4682&lon=-16.2547"));
+    QNetworkReply *reply = m_network->get(anonymous);
+    QTRY_VERIFY(reply->isFinished());
+    QCOMPARE(reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), 403);
+    reply->deleteLater();
+}
+
+void tst_WeatherInfoDataService::keylessAnswerKeptUntilItExpires()
+{
+    const QByteArray lastModified = "Sun, 22 Nov 2026 09:41:07 GMT";
+    serveForecast(lastModified, -60); // expired as it arrives
+    const auto deployment = settings(QString());
+    {
+        WeatherInfoDataService service(*m_network, *deployment);
+        QSignalSpy published(&service, &WeatherInfoDataService::weatherInfoChanged);
+        service.getWeatherInfo(28.4636, -16.2518);
+        QVERIFY(published.wait());
+        QCOMPARE(m_server->requestHeader("If-Modified-Since"), QList<QByteArray>{QByteArray()});
+
+        // Expired: asked again, whether it changed; it did not (304), and the kept forecast is published again.
+        serveForecast(lastModified, 3600);
+        service.getWeatherInfo(28.4636, -16.2518);
+        QVERIFY(published.wait());
+        QCOMPARE(m_server->requestHeader("If-Modified-Since").value(1), lastModified);
+        QCOMPARE(service.weatherInfo()->current.temp, 17.2);
+
+        // Not expired: not asked at all, the same forecast again; another place is asked for.
+        service.getWeatherInfo(28.4636, -16.2518);
+        QCOMPARE(published.size(), 3);
+        QCOMPARE(m_server->requests().size(), 2);
+        service.getWeatherInfo(40.4168, -3.7038);
+        QTRY_COMPARE(m_server->requests().size(), 3);
+        QVERIFY(published.wait());
+        QCOMPARE(service.weatherInfo()->lat, 28.4682); // the fixture's position, whatever was asked
+    }
+    // The next start: the last forecast before any request, and none while it has not expired.
+    m_server->setResponse(forecastPath, 500, "text/plain", "down");
+    WeatherInfoDataService restarted(*m_network, *deployment);
+    QVERIFY(!restarted.weatherInfo());
+    QSignalSpy published(&restarted, &WeatherInfoDataService::weatherInfoChanged);
+    QVERIFY(published.wait());
+    QCOMPARE(restarted.weatherInfo()->current.temp, 17.2);
+    restarted.getWeatherInfo(40.4168, -3.7038);
+    QCOMPARE(published.size(), 2);
+    QCOMPARE(m_server->requests().size(), 3);
 }
 
 void tst_WeatherInfoDataService::failuresKeepThePreviousDocument_data()
 {
     QTest::addColumn<int>("status");
     QTest::addColumn<QByteArray>("body");
-    QTest::newRow("401") << 401 << QByteArray(R"({"cod":401,"message":"Invalid API key."})");
     QTest::newRow("429") << 429 << QByteArray(R"({"cod":429})");
     QTest::newRow("500") << 500 << document();
     QTest::newRow("no wind_gust") << 200 << document(u"daily.1.wind_gust"_qs);

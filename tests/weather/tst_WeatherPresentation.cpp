@@ -47,6 +47,8 @@ private Q_SLOTS:
     void dayLabels();
     void cardRecord();
     void popover();
+    void sourceShownAsItIs_data();
+    void sourceShownAsItIs();
 };
 
 void tst_WeatherPresentation::currentConditionsIcon_data()
@@ -185,6 +187,50 @@ void tst_WeatherPresentation::popover()
     QCOMPARE(model.rows.at(2).toMap().value(u"icon"_qs).toString(), u"sun.max.fill"_qs);
     QCOMPARE(model.attribution, u"free weather data provided by [Open Weather Map](https://openweathermap.org). Last "
                                 u"updated on Sat at yesterday"_qs);
+}
+
+void tst_WeatherPresentation::sourceShownAsItIs_data()
+{
+    QTest::addColumn<WeatherProvider>("provider");
+    QTest::addColumn<QStringList>("absent");
+    QTest::addColumn<QString>("attribution");
+    QTest::addColumn<QStringList>("labels");
+    const QStringList all{u"Feels like"_qs, u"Humidity"_qs, u"Wind"_qs,    u"Pressure"_qs, u"UV index"_qs,
+                          u"Dew point"_qs,  u"Visibility"_qs, u"Sunrise"_qs, u"Sunset"_qs};
+    QTest::newRow("One Call") << WeatherProvider::oneCall << QStringList()
+                              << u"free weather data provided by [Open Weather Map](https://openweathermap.org)"_qs
+                              << all;
+    // What MET Norway's compact document does not give is left out, never shown as 0.
+    QTest::newRow("MET Norway")
+        << WeatherProvider::metNorway
+        << QStringList{u"current.uvi"_qs, u"current.dew_point"_qs, u"current.visibility"_qs}
+        << u"Data from [MET Norway](https://www.met.no/en)"_qs
+        << QStringList{u"Feels like"_qs, u"Humidity"_qs, u"Wind"_qs, u"Pressure"_qs, u"Sunrise"_qs, u"Sunset"_qs};
+}
+
+void tst_WeatherPresentation::sourceShownAsItIs()
+{
+    QFETCH(WeatherProvider, provider);
+    QFETCH(QStringList, absent);
+    QFETCH(QString, attribution);
+    QFETCH(QStringList, labels);
+    const QDateTime now(QDate(2026, 11, 22), QTime(10, 30));
+    WeatherInfo info = documentAt(now, {now});
+    info.provider = provider;
+    info.absent = absent;
+    info.current.sunrise = QDateTime(QDate(2026, 11, 22), QTime(7, 34)).toSecsSinceEpoch();
+    info.current.sunset = QDateTime(QDate(2026, 11, 22), QTime(18, 10)).toSecsSinceEpoch();
+    info.current.humidity = 60;
+    const DailyWeatherViewModel model =
+        DailyWeatherViewModel::make(WeatherInfoViewModel::from(info, now), u"Madrid"_qs, u"Spain"_qs, now);
+    QCOMPARE(model.attribution, attribution + u". Last updated on Sun at 10:30");
+    QStringList shown;
+    for (const QVariant &detail : model.details) {
+        shown.append(detail.toMap().value(u"label"_qs).toString());
+    }
+    QCOMPARE(shown, labels);
+    QCOMPARE(model.details.at(1).toMap().value(u"value"_qs).toString(), u"60 %"_qs);
+    QCOMPARE(model.details.at(shown.indexOf(u"Sunrise"_qs)).toMap().value(u"value"_qs).toString(), u"07:34"_qs);
 }
 
 QTEST_GUILESS_MAIN(tst_WeatherPresentation)

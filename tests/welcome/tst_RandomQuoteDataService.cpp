@@ -1,13 +1,55 @@
-// The quote service against a real HTTP server on 127.0.0.1, and the welcome screen's greeting and indicator.
+// The quote service against a real HTTP server on 127.0.0.1, or, with no quote host, over fortune files indexed by
+// the real strfile in a temporary folder; and the welcome screen's greeting and indicator.
 #include "common/Trace.h"
 #include "settings/DeploymentSettings.h"
 #include "support/LoopbackHttpServer.h"
 #include "support/TestHome.h"
+#include "welcome/FortuneQuotes.h"
 #include "welcome/RandomQuoteDataService.h"
 
 #include <QNetworkAccessManager>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QSet>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTest>
+
+namespace {
+
+const QString shortSaying = u"Simplicity is prerequisite for reliability."_qs;
+const QString wrappedSaying = u"A saying on two lines, joined into one."_qs;
+const QString spanishSaying = u"Más vale tarde que nunca."_qs;
+
+// A fortune file and its index, made by strfile (`flags`: "-x" marks the file rotated).
+void writeFortunes(const TestHome &home, const QString &path, const QByteArray &entries, const QStringList &flags = {})
+{
+    const QString file = home.writeFile(path, entries);
+    QVERIFY(!file.isEmpty());
+    const QString strfile = QStandardPaths::findExecutable(u"strfile"_qs, {u"/usr/bin"_qs, u"/usr/sbin"_qs});
+    QVERIFY2(!strfile.isEmpty(), "strfile (Debian's fortune-mod) makes the index");
+    QProcess process;
+    process.start(strfile, flags + QStringList{u"-s"_qs, file});
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 0);
+}
+
+// What Debian installs, in small: English sayings at the top, an offensive set in off/, a rotated file, Spanish ones
+// in es/. Only the two short English sayings (and in Spanish the one) may ever be picked.
+QString fortuneRoot(const TestHome &home)
+{
+    writeFortunes(home, u"fortunes/sayings"_qs,
+                  (shortSaying + u"\n%\nA saying on two lines,\n   joined into one.\n%\n" + QString(161, u'x') +
+                   u"\n%\nTwo paragraphs.\n\nAre not one.\n%\nOver\bstruck.\n%\n")
+                      .toUtf8());
+    writeFortunes(home, u"fortunes/rotated"_qs, "Gur ebgngrq bar.\n%\n", {u"-x"_qs});
+    writeFortunes(home, u"fortunes/off/rude"_qs, "Never shown.\n%\nNor this.\n%\n");
+    home.writeFile(u"fortunes/no-index"_qs, "Not indexed.\n%\n");
+    writeFortunes(home, u"fortunes/es/dichos"_qs, (spanishSaying + u"\n%\n").toUtf8());
+    return home.path() + u"/fortunes"_qs;
+}
+
+} // namespace
 
 class tst_RandomQuoteDataService : public QObject
 {
@@ -17,7 +59,9 @@ private Q_SLOTS:
     void quotePath();
     void answers_data();
     void answers();
-    void noServiceAddress();
+    void localQuotes_data();
+    void localQuotes();
+    void onlyShortSayingsArePicked();
     void greeting_data();
     void greeting();
     void indicatorWave();
@@ -91,15 +135,46 @@ void tst_RandomQuoteDataService::answers()
     QCOMPARE(capture.lines(), logLine.isEmpty() ? QStringList() : QStringList{logLine});
 }
 
-void tst_RandomQuoteDataService::noServiceAddress()
+void tst_RandomQuoteDataService::localQuotes_data()
 {
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<bool>("installed");
+    QTest::addColumn<QStringList>("possible"); // empty: no saying, and none awaited
+    QTest::newRow("English") << u"en-GB"_qs << true << QStringList{shortSaying, wrappedSaying};
+    QTest::newRow("Spanish") << u"es-MX"_qs << true << QStringList{spanishSaying};
+    QTest::newRow("French reads Spanish") << u"fr-FR"_qs << true << QStringList{spanishSaying};
+    QTest::newRow("no fortune files") << u"en"_qs << false << QStringList();
+}
+
+void tst_RandomQuoteDataService::localQuotes()
+{
+    QFETCH(QString, language);
+    QFETCH(bool, installed);
+    QFETCH(QStringList, possible);
     TestHome home;
+    const QString root = installed ? fortuneRoot(home) : home.path() + u"/nothing"_qs;
     const DeploymentSettings deployment(home.writeFile(u"Info.ini"_qs, "[General]\nWEATHER_API_KEY=k\n"));
     QNetworkAccessManager network;
     Trace::Capture capture;
-    RandomQuoteDataService service(network, deployment, u"es-ES"_qs);
+    RandomQuoteDataService service(network, deployment, language, nullptr, root);
     QVERIFY(!service.isFetching());
+    QVERIFY(service.awaitsQuote());
+    QTRY_VERIFY(!service.awaitsQuote());
+    QCOMPARE(service.randomQuote().isEmpty(), possible.isEmpty());
+    QVERIFY2(possible.isEmpty() || possible.contains(service.randomQuote()), qPrintable(service.randomQuote()));
     QCOMPARE(capture.lines(), QStringList());
+}
+
+void tst_RandomQuoteDataService::onlyShortSayingsArePicked()
+{
+    TestHome home;
+    const QString folder = FortuneQuotes::folderFor(fortuneRoot(home), false);
+    QRandomGenerator random(28);
+    QSet<QString> picked;
+    for (int i = 0; i < 200; ++i) {
+        picked.insert(FortuneQuotes::pick(folder, random).value_or(u"(none)"_qs));
+    }
+    QCOMPARE(picked, (QSet<QString>{shortSaying, wrappedSaying}));
 }
 
 void tst_RandomQuoteDataService::greeting_data()
