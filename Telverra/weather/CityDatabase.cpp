@@ -15,6 +15,7 @@
 #include <QPointer>
 #include <QRegularExpression>
 #include <QThreadPool>
+#include <QTimeZone>
 #include <QtConcurrent>
 
 #include <algorithm>
@@ -232,7 +233,11 @@ std::optional<qsizetype> CityDatabase::nearest(const QGeoCoordinate &position, d
 
 QString CityDatabase::systemCountryCode()
 {
-    const QLocale::Territory territory = QLocale::system().territory();
+    // Where the clock is set for says more about where the user is than the language does.
+    QLocale::Territory territory = QTimeZone::systemTimeZone().territory();
+    if (territory == QLocale::AnyTerritory) {
+        territory = QLocale::system().territory();
+    }
     return territory == QLocale::AnyTerritory ? QString() : QLocale::territoryToCode(territory);
 }
 
@@ -271,17 +276,26 @@ QList<qsizetype> CityDatabase::search(const QString &text, qsizetype limit, cons
         const City &city = m_cities.at(i);
         found.append({rank, !homeCountryCode.isEmpty() && city.countryCode == homeCountryCode, city.population, i});
     }
-    const qsizetype kept = std::min(limit, found.size());
-    std::partial_sort(found.begin(), found.begin() + kept, found.end(), [](const Found &a, const Found &b) {
+    std::sort(found.begin(), found.end(), [](const Found &a, const Found &b) {
         if (a.rank != b.rank) {
             return a.rank > b.rank;
         }
         return a.home != b.home ? a.home : a.population > b.population;
     });
     QList<qsizetype> result;
-    result.reserve(kept);
-    for (qsizetype i = 0; i < kept; ++i) {
-        result.append(found.at(i).index);
+    for (const Found &candidate : std::as_const(found)) {
+        if (result.size() == limit) {
+            break;
+        }
+        // Namesakes in one region cannot be told apart in the list: the bigger stands for them.
+        const City &city = m_cities.at(candidate.index);
+        const bool seen = std::any_of(result.begin(), result.end(), [this, &city](qsizetype shown) {
+            const City &other = m_cities.at(shown);
+            return other.name == city.name && other.region == city.region && other.country == city.country;
+        });
+        if (!seen) {
+            result.append(candidate.index);
+        }
     }
     return result;
 }

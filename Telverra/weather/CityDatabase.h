@@ -56,11 +56,12 @@ public:
     std::optional<qsizetype> nearest(const QGeoCoordinate &position, double maxKilometres = 150) const;
     /// The cities a typed text names, best first: a name (in the user's language or in English, case and accents
     /// aside) that is the text before the first comma, then one that begins with it, then one with a word that
-    /// does; among equals, the user's country's (ISO 3166 code; by default the system locale's) first, then the
-    /// bigger. After a comma, the text narrows to a country or region that begins with it ("santa cruz, bol").
+    /// does; among equals, the user's country's (ISO 3166 code; by default systemCountryCode()) first, then the
+    /// bigger; namesakes of one region once. After a comma, the text narrows to a country or region that begins with
+    /// it ("santa cruz, bol").
     QList<qsizetype> search(const QString &text, qsizetype limit = 8,
                             const QString &homeCountryCode = systemCountryCode()) const;
-    /// The system locale's country ("ES"), or nothing.
+    /// The country of the system's time zone ("ES" for Europe/Madrid), else of its locale, else nothing.
     static QString systemCountryCode();
     /// The city of a time zone: the nearest to the place the time zone database gives for it (zone1970.tab,
     /// zone.tab in `zoneInfoFolder`), else the biggest city in the zone; nothing for a zone of no place ("Etc/UTC").

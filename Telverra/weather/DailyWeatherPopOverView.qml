@@ -36,7 +36,7 @@ Popup {
         Label {
             objectName: "placeTitle"
             Layout.fillWidth: true
-            elide: Text.ElideRight
+            wrapMode: Text.Wrap
             Layout.margins: 5
             Layout.bottomMargin: 0
             text: popover.viewModel.weatherPlaceTitle
@@ -81,7 +81,7 @@ Popup {
         Label {
             objectName: "noWeather"
             Layout.margins: 5
-            visible: !popover.vm
+            visible: !popover.vm && !citySearch.visible
             text: qsTr("No weather yet.")
             color: popover.palette.placeholderText
         }
@@ -93,7 +93,7 @@ Popup {
             columns: 4
             columnSpacing: 10
             rowSpacing: 2
-            visible: popover.vm !== null && popover.vm.details.length > 0
+            visible: popover.vm !== null && popover.vm.details.length > 0 && !citySearch.visible
             Repeater {
                 model: popover.vm ? popover.vm.details : []
                 delegate: RowLayout {
@@ -107,7 +107,8 @@ Popup {
             }
         }
         Repeater {
-            model: popover.vm ? popover.vm.rows : []
+            // While a city is being chosen, its list takes the forecast's place.
+            model: popover.vm && !citySearch.visible ? popover.vm.rows : []
             delegate: Rectangle {
                 id: dayRow
                 required property var modelData
@@ -149,7 +150,7 @@ Popup {
             readonly property string link: (markdown.match(/\]\(([^)]*)\)/) || ["", ""])[1]
             Layout.fillWidth: true
             Layout.topMargin: 4
-            visible: popover.vm !== null
+            visible: popover.vm !== null && !citySearch.visible
             enabled: link.length > 0
             focusPolicy: Qt.TabFocus
             Accessible.role: Accessible.Link

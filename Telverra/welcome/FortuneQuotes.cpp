@@ -93,7 +93,9 @@ std::optional<QString> saying(const FortuneFile &file, quint32 entry)
                 return std::nullopt; // backspaces for overstriking, terminal escapes
             }
         }
-        joined += line + u' ';
+        // "\t\t-- Mark Twain": the attribution, after a dash.
+        const QString trimmed = line.trimmed();
+        joined += (trimmed.startsWith(u"-- ") ? u"— " + trimmed.mid(3) : line) + u' ';
     }
     joined = joined.simplified();
     if (joined.isEmpty() || joined.size() > maximumLength) {

@@ -32,11 +32,16 @@ for package in $("$source/scripts/qml-depends" "$source/Telverra") qt6-wayland; 
     grep -Eq "(^|, )$package( |,|$)" <<<"$depends" || { echo "the package does not depend on $package" >&2; exit 1; }
 done
 echo "every QML import's package and the Wayland platform are in Depends"
+# The offline city database is linked; the position service and the sayings are recommended, not required.
+grep -Eq '(^|, )libgeonames0( |,|$)' <<<"$depends" || { echo "the package does not depend on libgeonames0" >&2; exit 1; }
+recommends=$(dpkg-deb -f "$stage"/package/telverra_*.deb Recommends)
+for package in geoclue-2.0 fortunes-min fortunes-es; do
+    grep -Eq "(^|, )$package( |,|$)" <<<"$recommends" || { echo "the package does not recommend $package" >&2; exit 1; }
+done
 # Evolution Data Server's services are recommended; only the library its module links is depended on.
 if compgen -G "$usr/lib/telverra/telverra-eds.so" >/dev/null || compgen -G "$usr/lib/*/telverra/telverra-eds.so" >/dev/null; then
-    recommends=$(dpkg-deb -f "$stage"/package/telverra_*.deb Recommends)
     grep -Eq "(^|, )evolution-data-server( |,|$)" <<<"$recommends" || { echo "evolution-data-server is not recommended" >&2; exit 1; }
     grep -Eq "(^|, )libebook-1\.2-21( |,|$)" <<<"$depends" || { echo "the package does not depend on libebook" >&2; exit 1; }
     ! grep -Eq "(^|, )evolution-data-server( |,|$)" <<<"$depends" || { echo "evolution-data-server is a dependency" >&2; exit 1; }
-    echo "Recommends: $recommends"
 fi
+echo "Recommends: $recommends"

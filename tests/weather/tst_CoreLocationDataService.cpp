@@ -85,7 +85,7 @@ void tst_CoreLocationDataService::initTestCase()
 
 void tst_CoreLocationDataService::init()
 {
-    m_home.reset(); // first: it puts back the environment it found
+    m_home.reset();                        // first: it puts back the environment it found
     m_home = std::make_unique<TestHome>(); // a fresh cache: no place kept from the row before
 }
 

@@ -295,8 +295,6 @@ void tst_WeatherInfoDataService::providers_data()
     QTest::newRow("a key One Call refuses")
         << u"WEATHER_API_KEY=k3y"_qs << 401 << QStringList{onecallPath, forecastPath, forecastPath} << true
         << WeatherProvider::metNorway;
-    QTest::newRow("One Call busy") << u"WEATHER_API_KEY=k3y"_qs << 429 << QStringList{onecallPath, onecallPath} << false
-                                   << WeatherProvider::oneCall;
 }
 
 void tst_WeatherInfoDataService::providers()
@@ -326,10 +324,8 @@ void tst_WeatherInfoDataService::providers()
     QCOMPARE(asked, paths);
     QCOMPARE(service.keyRefused(), keyRefused);
     QCOMPARE(refused.size(), keyRefused ? 1 : 0);
-    if (oneCallStatus != 429) {
-        QTRY_VERIFY(service.weatherInfo());
-        QCOMPARE(service.weatherInfo()->provider, provider);
-    }
+    QTRY_VERIFY(service.weatherInfo());
+    QCOMPARE(service.weatherInfo()->provider, provider);
 }
 
 void tst_WeatherInfoDataService::keylessForecast()
@@ -381,8 +377,8 @@ void tst_WeatherInfoDataService::keylessAnswerKeptUntilItExpires()
         QCOMPARE(published.size(), 3);
         QCOMPARE(m_server->requests().size(), 2);
         service.getWeatherInfo(40.4168, -3.7038);
-        QTRY_COMPARE(m_server->requests().size(), 3);
-        QVERIFY(published.wait());
+        QTRY_COMPARE(published.size(), 4);
+        QCOMPARE(m_server->requests().size(), 3);
         QCOMPARE(service.weatherInfo()->lat, 28.4682); // the fixture's position, whatever was asked
     }
     // The next start: the last forecast before any request, and none while it has not expired.

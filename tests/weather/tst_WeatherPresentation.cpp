@@ -195,17 +195,17 @@ void tst_WeatherPresentation::sourceShownAsItIs_data()
     QTest::addColumn<QStringList>("absent");
     QTest::addColumn<QString>("attribution");
     QTest::addColumn<QStringList>("labels");
-    const QStringList all{u"Feels like"_qs, u"Humidity"_qs, u"Wind"_qs,    u"Pressure"_qs, u"UV index"_qs,
+    const QStringList all{u"Feels like"_qs, u"Humidity"_qs,   u"Wind"_qs,    u"Pressure"_qs, u"UV index"_qs,
                           u"Dew point"_qs,  u"Visibility"_qs, u"Sunrise"_qs, u"Sunset"_qs};
     QTest::newRow("One Call") << WeatherProvider::oneCall << QStringList()
                               << u"free weather data provided by [Open Weather Map](https://openweathermap.org)"_qs
                               << all;
     // What MET Norway's compact document does not give is left out, never shown as 0.
-    QTest::newRow("MET Norway")
-        << WeatherProvider::metNorway
-        << QStringList{u"current.uvi"_qs, u"current.dew_point"_qs, u"current.visibility"_qs}
-        << u"Data from [MET Norway](https://www.met.no/en)"_qs
-        << QStringList{u"Feels like"_qs, u"Humidity"_qs, u"Wind"_qs, u"Pressure"_qs, u"Sunrise"_qs, u"Sunset"_qs};
+    QTest::newRow("MET Norway") << WeatherProvider::metNorway
+                                << QStringList{u"current.uvi"_qs, u"current.dew_point"_qs, u"current.visibility"_qs}
+                                << u"Data from [MET Norway](https://www.met.no/en)"_qs
+                                << QStringList{u"Feels like"_qs, u"Humidity"_qs, u"Wind"_qs,
+                                               u"Pressure"_qs,   u"Sunrise"_qs,  u"Sunset"_qs};
 }
 
 void tst_WeatherPresentation::sourceShownAsItIs()

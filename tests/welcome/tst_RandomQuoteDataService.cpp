@@ -17,7 +17,7 @@
 
 namespace {
 
-const QString shortSaying = u"Simplicity is prerequisite for reliability."_qs;
+const QString shortSaying = u"Simplicity is prerequisite for reliability. — Edsger Dijkstra"_qs;
 const QString wrappedSaying = u"A saying on two lines, joined into one."_qs;
 const QString spanishSaying = u"Más vale tarde que nunca."_qs;
 
@@ -39,8 +39,9 @@ void writeFortunes(const TestHome &home, const QString &path, const QByteArray &
 QString fortuneRoot(const TestHome &home)
 {
     writeFortunes(home, u"fortunes/sayings"_qs,
-                  (shortSaying + u"\n%\nA saying on two lines,\n   joined into one.\n%\n" + QString(161, u'x') +
-                   u"\n%\nTwo paragraphs.\n\nAre not one.\n%\nOver\bstruck.\n%\n")
+                  (u"Simplicity is prerequisite for reliability.\n\t\t-- Edsger Dijkstra\n%\n"
+                   u"A saying on two lines,\n   joined into one.\n%\n" +
+                   QString(161, u'x') + u"\n%\nTwo paragraphs.\n\nAre not one.\n%\nOver\bstruck.\n%\n")
                       .toUtf8());
     writeFortunes(home, u"fortunes/rotated"_qs, "Gur ebgngrq bar.\n%\n", {u"-x"_qs});
     writeFortunes(home, u"fortunes/off/rude"_qs, "Never shown.\n%\nNor this.\n%\n");
