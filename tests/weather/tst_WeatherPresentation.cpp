@@ -223,7 +223,7 @@ void tst_WeatherPresentation::sourceShownAsItIs()
     info.current.humidity = 60;
     const DailyWeatherViewModel model =
         DailyWeatherViewModel::make(WeatherInfoViewModel::from(info, now), u"Madrid"_qs, u"Spain"_qs, now);
-    QCOMPARE(model.attribution, attribution + u". Last updated on Sun at 10:30");
+    QCOMPARE(model.attribution, QString(attribution + u". Last updated on Sun at 10:30"));
     QStringList shown;
     for (const QVariant &detail : model.details) {
         shown.append(detail.toMap().value(u"label"_qs).toString());
