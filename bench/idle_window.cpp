@@ -160,7 +160,7 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "no weather document at %s\n", TELVERRA_WEATHER_DOCUMENT);
         return 1;
     }
-    server.setResponse(u"/data/2.5/onecall"_qs, 200, "application/json", onecall.readAll());
+    server.setResponse(u"/data/3.0/onecall"_qs, 200, "application/json", onecall.readAll());
     const bool welcome = screen == u"welcome" || screen == u"waiting";
     const bool quoteServed = screen == u"welcome";
     const QByteArray quote = R"({"language":"en","text":"Simplicity is the ultimate sophistication."})";
