@@ -252,6 +252,21 @@ Do you want to help me out improving this tool ? I believe that the Mac really d
     </message>
 </context>
 <context>
+    <name>CitySearchField</name>
+    <message>
+        <source>Choose your city</source>
+        <translation>Elija su ciudad</translation>
+    </message>
+    <message>
+        <source>Type the first letters of a city, then pick it from the list below.</source>
+        <translation>Escriba las primeras letras de una ciudad y elíjala en la lista de abajo.</translation>
+    </message>
+    <message>
+        <source>Cities</source>
+        <translation>Ciudades</translation>
+    </message>
+</context>
+<context>
     <name>CommandLine</name>
     <message>
         <source>telverra: no display to show the window on (neither DISPLAY nor WAYLAND_DISPLAY is set).
@@ -471,6 +486,17 @@ error de uso.
     </message>
 </context>
 <context>
+    <name>DailyWeatherPopOverView</name>
+    <message>
+        <source>Choose your city</source>
+        <translation>Elija su ciudad</translation>
+    </message>
+    <message>
+        <source>No weather yet.</source>
+        <translation>Aún no hay tiempo.</translation>
+    </message>
+</context>
+<context>
     <name>DesktopSearch</name>
     <message>
         <source>Call</source>
@@ -615,18 +641,6 @@ error de uso.
         <translation>¿Actualizar la información del tiempo cada hora?</translation>
     </message>
     <message>
-        <source>Place for the weather when the desktop gives no position:</source>
-        <translation>Lugar para el tiempo cuando el escritorio no da una posición:</translation>
-    </message>
-    <message>
-        <source>a city, such as Santa Cruz de Tenerife</source>
-        <translation>una ciudad, como Santa Cruz de Tenerife</translation>
-    </message>
-    <message>
-        <source>Place for the weather</source>
-        <translation>Lugar para el tiempo</translation>
-    </message>
-    <message>
         <source>Launch Options</source>
         <translation>Opciones de inicio</translation>
     </message>
@@ -638,12 +652,40 @@ error de uso.
         <source>Fix welcome screen with quotes on startup</source>
         <translation>Mantener la pantalla de bienvenida con citas al iniciar</translation>
     </message>
+    <message>
+        <source>Place for the weather:</source>
+        <translation>Lugar del tiempo:</translation>
+    </message>
+    <message>
+        <source>None yet</source>
+        <translation>Ninguno todavía</translation>
+    </message>
+    <message>
+        <source>Use my location</source>
+        <translation>Usar mi ubicación</translation>
+    </message>
+    <message>
+        <source>Forget the chosen city and use the desktop&apos;s location service again.</source>
+        <translation>Olvidar la ciudad elegida y volver a usar el servicio de ubicación del escritorio.</translation>
+    </message>
 </context>
 <context>
     <name>HomeWindowViewModel</name>
     <message>
         <source>Telverra can read the clipboard only while its window is in front. Bring the window to the front and try again.</source>
         <translation>Telverra solo puede leer el portapapeles mientras su ventana está en primer plano. Traiga la ventana al frente y vuelva a intentarlo.</translation>
+    </message>
+    <message>
+        <source>From your location</source>
+        <translation>Según su ubicación</translation>
+    </message>
+    <message>
+        <source>Chosen by you</source>
+        <translation>Elegida por usted</translation>
+    </message>
+    <message>
+        <source>Guessed from your time zone</source>
+        <translation>Deducida de su zona horaria</translation>
     </message>
 </context>
 <context>
@@ -1003,6 +1045,65 @@ error de uso.
     <message>
         <source>free weather data provided by [Open Weather Map](%1). Last updated on %2 at %3</source>
         <translation>datos meteorológicos gratuitos de [Open Weather Map](%1). Última actualización: %2, %3</translation>
+    </message>
+    <message>
+        <source>Data from [MET Norway](%1). Last updated on %2 at %3</source>
+        <translation>Datos de [MET Norway](%1). Actualizado por última vez el %2 a las %3</translation>
+    </message>
+    <message>
+        <source>Feels like</source>
+        <translation>Sensación</translation>
+    </message>
+    <message>
+        <source>Humidity</source>
+        <translation>Humedad</translation>
+    </message>
+    <message>
+        <source>Wind</source>
+        <translation>Viento</translation>
+    </message>
+    <message>
+        <source>Pressure</source>
+        <translation>Presión</translation>
+    </message>
+    <message>
+        <source>UV index</source>
+        <translation>Índice UV</translation>
+    </message>
+    <message>
+        <source>Dew point</source>
+        <translation>Punto de rocío</translation>
+    </message>
+    <message>
+        <source>Visibility</source>
+        <translation>Visibilidad</translation>
+    </message>
+    <message>
+        <source>Sunrise</source>
+        <translation>Amanecer</translation>
+    </message>
+    <message>
+        <source>Sunset</source>
+        <translation>Atardecer</translation>
+    </message>
+</context>
+<context>
+    <name>WeatherStatus</name>
+    <message>
+        <source>This key has no One Call 3.0 subscription. The weather comes from MET Norway instead.</source>
+        <translation>Esta clave no tiene suscripción a One Call 3.0. El tiempo viene de MET Norway en su lugar.</translation>
+    </message>
+    <message>
+        <source>No weather: the desktop&apos;s location service is off or refused Telverra. Choose your city above.</source>
+        <translation>Sin tiempo: el servicio de ubicación del escritorio está apagado o ha rechazado a Telverra. Elija su ciudad arriba.</translation>
+    </message>
+    <message>
+        <source>No weather yet: waiting for a position from the location service, or choose your city above.</source>
+        <translation>Aún no hay tiempo: esperando una posición del servicio de ubicación, o elija su ciudad arriba.</translation>
+    </message>
+    <message>
+        <source>No weather yet: the weather service has not answered.</source>
+        <translation>Aún no hay tiempo: el servicio del tiempo no ha respondido.</translation>
     </message>
 </context>
 <context>
