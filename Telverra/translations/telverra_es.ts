@@ -1086,6 +1086,14 @@ error de uso.
         <source>Sunset</source>
         <translation>Atardecer</translation>
     </message>
+    <message>
+        <source>%1 hPa</source>
+        <translation>%1 hPa</translation>
+    </message>
+    <message>
+        <source>%1 km</source>
+        <translation>%1 km</translation>
+    </message>
 </context>
 <context>
     <name>WeatherStatus</name>

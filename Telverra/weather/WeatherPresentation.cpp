@@ -146,12 +146,13 @@ QVariantList currentDetails(const WeatherInfo &info, const QLocale &locale)
     add("current.wind_speed", QT_TRANSLATE_NOOP("WeatherPresentation", "Wind"),
         locale.toString(now.windSpeed, 'f', 1) + u" m/s");
     add("current.pressure", QT_TRANSLATE_NOOP("WeatherPresentation", "Pressure"),
-        locale.toString(now.pressure) + u" hPa");
+        QCoreApplication::translate("WeatherPresentation", "%1 hPa").arg(locale.toString(now.pressure)));
     add("current.uvi", QT_TRANSLATE_NOOP("WeatherPresentation", "UV index"), locale.toString(now.uvi, 'f', 1));
     add("current.dew_point", QT_TRANSLATE_NOOP("WeatherPresentation", "Dew point"),
         temperatureText(now.dewPoint) + u"º");
     add("current.visibility", QT_TRANSLATE_NOOP("WeatherPresentation", "Visibility"),
-        locale.toString(double(now.visibility) / 1000.0, 'f', 1) + u" km");
+        QCoreApplication::translate("WeatherPresentation", "%1 km")
+            .arg(locale.toString(double(now.visibility) / 1000.0, 'f', 1)));
     if (now.sunrise) {
         add("current.sunrise", QT_TRANSLATE_NOOP("WeatherPresentation", "Sunrise"), hourText(now.sunrise));
     }
