@@ -18,6 +18,7 @@ private Q_SLOTS:
         QTest::newRow("parentheses") << u"(600) 123"_qs << false;
         QTest::newRow("19 digits, largest int64") << u"9223372036854775807"_qs << true;
         QTest::newRow("19 digits, beyond int64") << u"9223372036854775808"_qs << false;
+        QTest::newRow("20 digits") << u"12345678901234567890"_qs << false;
         QTest::newRow("two plus signs") << u"++34600"_qs << true;
         QTest::newRow("three plus signs") << u"+++34600"_qs << false;
         QTest::newRow("plus then minus") << u"+-5"_qs << true;
