@@ -8,7 +8,6 @@
 #include "weather/MetNorwayForecast.h"
 #include "weather/WeatherInfoDataService.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -99,14 +98,10 @@ private Q_SLOTS:
     void init();
     void decoding_data();
     void decoding();
-    void roundTrip();
     void coordinateText_data();
     void coordinateText();
-    void requestText_data();
-    void requestText();
     void providers_data();
     void providers();
-    void keylessForecast();
     void keylessAnswerKeptUntilItExpires();
     void failuresKeepThePreviousDocument_data();
     void failuresKeepThePreviousDocument();
@@ -198,6 +193,7 @@ void tst_WeatherInfoDataService::decoding()
     if (!info) {
         return;
     }
+    QCOMPARE(WeatherInfo::decode(QJsonDocument(info->toJson()).toJson()), info); // what is kept reads back the same
     QCOMPARE(info->timezone, u"Atlantic/Canary"_qs);
     QCOMPARE(info->daily.size(), 4);
     QCOMPARE(info->current.weather.value(0).weatherDescription, u"algo de nubes"_qs);
@@ -209,13 +205,6 @@ void tst_WeatherInfoDataService::decoding()
     QCOMPARE(info->daily.at(0).rain, path == u"daily.0.rain" ? std::optional<double>(3.1) : std::nullopt);
     QCOMPARE(info->daily.at(1).rain, path == u"daily.1.rain" ? std::nullopt : std::optional<double>(3.1));
     QCOMPARE(info->current.sunrise.has_value(), path != u"current.sunrise");
-}
-
-void tst_WeatherInfoDataService::roundTrip()
-{
-    const std::optional<WeatherInfo> info = WeatherInfo::decode(document());
-    QVERIFY(info);
-    QCOMPARE(WeatherInfo::decode(QJsonDocument(info->toJson()).toJson()), info);
 }
 
 void tst_WeatherInfoDataService::coordinateText_data()
@@ -244,62 +233,34 @@ void tst_WeatherInfoDataService::coordinateText()
     QCOMPARE(MetNorwayForecast::coordinateText(value), keyless);
 }
 
-void tst_WeatherInfoDataService::requestText_data()
-{
-    QTest::addColumn<double>("lat");
-    QTest::addColumn<double>("lon");
-    QTest::addColumn<QString>("request");
-    QTest::newRow("Madrid")
-        << 40.0 << -3.5
-        << u"GET /data/3.0/onecall?lat=40.0&lon=-3.5&exclude=hourly,minutely&units=metric&lang=es_ES"
-           u"&appid=k3y"_qs;
-    QTest::newRow("Tenerife") << 28.4636 << -16.2518
-                              << u"GET /data/3.0/onecall?lat=28.4636&lon=-16.2518&exclude=hourly,minutely&units=metric"
-                                 u"&lang=es_ES&appid=k3y"_qs;
-}
-
-void tst_WeatherInfoDataService::requestText()
-{
-    QFETCH(double, lat);
-    QFETCH(double, lon);
-    QFETCH(QString, request);
-    m_server->setResponse(onecallPath, 200, "application/json", document());
-    Trace::Capture capture;
-    const auto deployment = settings(u"WEATHER_API_KEY=k3y"_qs);
-    WeatherInfoDataService service(*m_network, *deployment);
-    QCOMPARE(capture.lines(), QStringList{u"WEATHER_API_KEY found: 'k3y'"_qs});
-    QSignalSpy published(&service, &WeatherInfoDataService::weatherInfoChanged);
-    service.getWeatherInfo(lat, lon);
-    QCOMPARE(service.cancelables(), 1);
-    QVERIFY(published.wait());
-    QCOMPARE(m_server->requests(), QStringList{request});
-    QCOMPARE(service.weatherInfo()->current.temp, 21.04);
-    service.getWeatherInfo(lat, lon);
-    QCOMPARE(service.cancelables(), 2);
-    QVERIFY(published.wait());
-}
-
 void tst_WeatherInfoDataService::providers_data()
 {
     QTest::addColumn<QString>("keyLine");
+    QTest::addColumn<QString>("line"); // the trace at start
     QTest::addColumn<int>("oneCallStatus");
     QTest::addColumn<QStringList>("paths"); // asked, in order, for two positions
     QTest::addColumn<bool>("keyRefused");
     QTest::addColumn<WeatherProvider>("provider");
     const QStringList keyless{forecastPath, forecastPath};
-    QTest::newRow("no key") << QString() << 200 << keyless << false << WeatherProvider::metNorway;
-    QTest::newRow("an empty key") << u"WEATHER_API_KEY="_qs << 200 << keyless << false << WeatherProvider::metNorway;
-    QTest::newRow("a key") << u"WEATHER_API_KEY=k3y"_qs << 200 << QStringList{onecallPath, onecallPath} << false
+    const QString noKey = u"💥 Error !!! Weather API SECRET KEY cannot be found on system. Unable to continue with "
+                          u"Weather Data Service."_qs;
+    const QString found = u"WEATHER_API_KEY found: 'k3y'"_qs;
+    const QString key = u"WEATHER_API_KEY=k3y"_qs;
+    QTest::newRow("no key") << QString() << noKey << 200 << keyless << false << WeatherProvider::metNorway;
+    QTest::newRow("an empty key") << u"WEATHER_API_KEY="_qs << noKey << 200 << keyless << false
+                                  << WeatherProvider::metNorway;
+    QTest::newRow("a key") << key << found << 200 << QStringList{onecallPath, onecallPath} << false
                            << WeatherProvider::oneCall;
     // No One Call 3.0 subscription: the keyless forecast at once, and from then on.
     QTest::newRow("a key One Call refuses")
-        << u"WEATHER_API_KEY=k3y"_qs << 401 << QStringList{onecallPath, forecastPath, forecastPath} << true
+        << key << found << 401 << QStringList{onecallPath, forecastPath, forecastPath} << true
         << WeatherProvider::metNorway;
 }
 
 void tst_WeatherInfoDataService::providers()
 {
     QFETCH(QString, keyLine);
+    QFETCH(QString, line);
     QFETCH(int, oneCallStatus);
     QFETCH(QStringList, paths);
     QFETCH(bool, keyRefused);
@@ -310,10 +271,10 @@ void tst_WeatherInfoDataService::providers()
     Trace::Capture capture;
     const auto deployment = settings(keyLine);
     WeatherInfoDataService service(*m_network, *deployment);
-    QCOMPARE(capture.lines().size(), 1);
-    QCOMPARE(capture.lines().first().startsWith(u"💥 Error !!!"), !keyLine.endsWith(u"k3y"));
+    QCOMPARE(capture.lines(), QStringList{line});
     QSignalSpy refused(&service, &WeatherInfoDataService::keyRefusedChanged);
     service.getWeatherInfo(28.4636, -16.2518);
+    QCOMPARE(service.cancelables(), 1);
     QTRY_COMPARE(m_server->requests().size(), paths.size() - 1);
     service.getWeatherInfo(40.4168, -3.7038);
     QTRY_COMPARE(m_server->requests().size(), paths.size());
@@ -322,35 +283,19 @@ void tst_WeatherInfoDataService::providers()
         asked.append(request.section(u' ', 1).section(u'?', 0, 0));
     }
     QCOMPARE(asked, paths);
+    QCOMPARE(service.cancelables(), paths.size());
+    // Every request says who asks; One Call gets the whole question, MET Norway four decimals at most.
+    QCOMPARE(m_server->requestHeader("User-Agent"), QList<QByteArray>(paths.size(), userAgent()));
+    QVERIFY(userAgent().startsWith("Telverra/" TELVERRA_VERSION " (+http"));
+    QCOMPARE(m_server->requests().constFirst().section(u'?', 1),
+             paths.constFirst() == onecallPath
+                 ? u"lat=28.4636&lon=-16.2518&exclude=hourly,minutely&units=metric&lang=es_ES&appid=k3y"_qs
+                 : u"lat=28.4636&lon=-16.2518"_qs);
     QCOMPARE(service.keyRefused(), keyRefused);
     QCOMPARE(refused.size(), keyRefused ? 1 : 0);
     QTRY_VERIFY(service.weatherInfo());
     QCOMPARE(service.weatherInfo()->provider, provider);
-}
-
-void tst_WeatherInfoDataService::keylessForecast()
-{
-    serveForecast("Sun, 22 Nov 2026 09:41:07 GMT", 3600);
-    const auto deployment = settings(QString());
-    WeatherInfoDataService service(*m_network, *deployment);
-    QSignalSpy published(&service, &WeatherInfoDataService::weatherInfoChanged);
-    service.getWeatherInfo(28.46824, -16.25465);
-    QVERIFY(published.wait());
-    QCOMPARE(m_server->requests(), QStringList{u"GET " + forecastPath + u"?lat=28.4682&lon=-16.2547"});
-    QCOMPARE(m_server->requestHeader("User-Agent"), QList<QByteArray>{userAgent()});
-    QVERIFY(userAgent().startsWith("Telverra/" TELVERRA_VERSION " (+http"));
-    const WeatherInfo &info = *service.weatherInfo();
-    QCOMPARE(info.current.temp, 17.2);
-    QCOMPARE(info.current.weather.value(0).weatherDescription, u"scattered clouds"_qs);
-    QVERIFY(info.daily.size() >= 5);
-    QVERIFY(!info.has(u"current.visibility"_qs));
-
-    // The stand-in refuses who does not say who they are, as MET Norway does (Qt's own agent is "Mozilla/5.0").
-    QNetworkRequest anonymous(QUrl(m_server->baseUrl() + forecastPath + u"?lat=28.4682&lon=-16.2547"));
-    QNetworkReply *reply = m_network->get(anonymous);
-    QTRY_VERIFY(reply->isFinished());
-    QCOMPARE(reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), 403);
-    reply->deleteLater();
+    QCOMPARE(service.weatherInfo()->current.temp, provider == WeatherProvider::oneCall ? 21.04 : 17.2);
 }
 
 void tst_WeatherInfoDataService::keylessAnswerKeptUntilItExpires()
@@ -361,19 +306,23 @@ void tst_WeatherInfoDataService::keylessAnswerKeptUntilItExpires()
     {
         WeatherInfoDataService service(*m_network, *deployment);
         QSignalSpy published(&service, &WeatherInfoDataService::weatherInfoChanged);
-        service.getWeatherInfo(28.4636, -16.2518);
+        service.getWeatherInfo(28.46824, -16.25465);
         QVERIFY(published.wait());
+        QCOMPARE(m_server->requests(), QStringList{u"GET " + forecastPath + u"?lat=28.4682&lon=-16.2547"});
         QCOMPARE(m_server->requestHeader("If-Modified-Since"), QList<QByteArray>{QByteArray()});
+        QCOMPARE(service.weatherInfo()->current.weather.value(0).weatherDescription, u"scattered clouds"_qs);
+        QVERIFY(service.weatherInfo()->daily.size() >= 5);
+        QVERIFY(!service.weatherInfo()->has(u"current.visibility"_qs));
 
         // Expired: asked again, whether it changed; it did not (304), and the kept forecast is published again.
         serveForecast(lastModified, 3600);
-        service.getWeatherInfo(28.4636, -16.2518);
+        service.getWeatherInfo(28.46824, -16.25465);
         QVERIFY(published.wait());
         QCOMPARE(m_server->requestHeader("If-Modified-Since").value(1), lastModified);
         QCOMPARE(service.weatherInfo()->current.temp, 17.2);
 
         // Not expired: not asked at all, the same forecast again; another place is asked for.
-        service.getWeatherInfo(28.4636, -16.2518);
+        service.getWeatherInfo(28.46824, -16.25465);
         QCOMPARE(published.size(), 3);
         QCOMPARE(m_server->requests().size(), 2);
         service.getWeatherInfo(40.4168, -3.7038);
@@ -420,7 +369,7 @@ void tst_WeatherInfoDataService::failuresKeepThePreviousDocument()
     Trace::Capture capture;
     service.getWeatherInfo(40, -3.5);
     QTRY_COMPARE(m_server->requests().size(), 2);
-    QTest::qWait(100); // let the answer be handled
+    QTRY_VERIFY(m_network->findChildren<QNetworkReply *>().isEmpty()); // the answer handled
     QCOMPARE(published.size(), 1);
     QCOMPARE(service.weatherInfo()->current.temp, 17.5);
     QCOMPARE(capture.lines(), QStringList());
@@ -433,13 +382,11 @@ void tst_WeatherInfoDataService::slowServerCutAtTheDeadline()
     service.setFetchLimits({1500, 1 << 20});
     m_server->setTrickle(onecallPath, document(), 1000);
     QSignalSpy published(&service, &WeatherInfoDataService::weatherInfoChanged);
-    QElapsedTimer clock;
-    clock.start();
     service.getWeatherInfo(40, -3.5);
     QTRY_COMPARE(m_server->requests().size(), 1);
-    // The transfer is abandoned at the deadline: the service is free again and nothing was published.
-    QTRY_VERIFY_WITH_TIMEOUT(m_network->findChildren<QNetworkReply *>().isEmpty(), 5000);
-    QVERIFY2(clock.elapsed() < 4000, qPrintable(QString::number(clock.elapsed())));
+    // The transfer is abandoned at the deadline: the service is free again and nothing was published. The whole
+    // body would take 40 minutes at this pace, so a reply still open after half a minute was never cut.
+    QTRY_VERIFY_WITH_TIMEOUT(m_network->findChildren<QNetworkReply *>().isEmpty(), 30000);
     QCOMPARE(published.size(), 0);
     QVERIFY(!service.weatherInfo());
 }

@@ -56,39 +56,51 @@ class tst_RandomQuoteDataService : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void quotePath_data();
-    void quotePath();
+    void texts_data();
+    void texts();
     void answers_data();
     void answers();
     void localQuotes_data();
     void localQuotes();
     void onlyShortSayingsArePicked();
-    void greeting_data();
-    void greeting();
-    void indicatorWave();
 };
 
-void tst_RandomQuoteDataService::quotePath_data()
+void tst_RandomQuoteDataService::texts_data()
 {
-    QTest::addColumn<QString>("language");
-    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("expected");
     const QString spanish = u"/randomquote/es_ES"_qs;
     const QString english = u"/randomquote/en_US"_qs;
-    QTest::newRow("es-ES") << u"es-ES"_qs << spanish;
-    QTest::newRow("es-MX") << u"es-MX"_qs << spanish;
-    QTest::newRow("en") << u"en"_qs << english;
-    QTest::newRow("en-GB") << u"en-GB"_qs << english;
-    QTest::newRow("fr-FR") << u"fr-FR"_qs << spanish;
-    QTest::newRow("no language") << QString() << spanish;
-    QTest::newRow("en-es holds both") << u"en-es"_qs << spanish;
-    QTest::newRow("EN upper case") << u"EN-US"_qs << spanish;
+    QTest::newRow("es-ES") << RandomQuoteDataService::quotePath(u"es-ES"_qs) << spanish;
+    QTest::newRow("es-MX") << RandomQuoteDataService::quotePath(u"es-MX"_qs) << spanish;
+    QTest::newRow("en") << RandomQuoteDataService::quotePath(u"en"_qs) << english;
+    QTest::newRow("en-GB") << RandomQuoteDataService::quotePath(u"en-GB"_qs) << english;
+    QTest::newRow("fr-FR") << RandomQuoteDataService::quotePath(u"fr-FR"_qs) << spanish;
+    QTest::newRow("no language") << RandomQuoteDataService::quotePath(QString()) << spanish;
+    QTest::newRow("en-es holds both") << RandomQuoteDataService::quotePath(u"en-es"_qs) << spanish;
+    QTest::newRow("EN upper case") << RandomQuoteDataService::quotePath(u"EN-US"_qs) << spanish;
+    // The greeting at each side of each change.
+    QStringList greetings;
+    for (int hour : {0, 4, 5, 11, 12, 17, 18, 21, 22}) {
+        greetings.append(Welcome::greeting(hour).chopped(4));
+    }
+    QTest::newRow("greetings") << greetings.join(u',')
+                               << u"Good night,Good night,Good morning,Good morning,Good afternoon,Good afternoon,"
+                                  u"Good evening,Good evening,Good night"_qs;
+    QTest::newRow("greeting's end") << Welcome::greeting(9).right(4) << u" !!!"_qs;
+    QStringList wave;
+    for (int tick = 0, count = 0; tick < 5; ++tick) {
+        count = Welcome::nextIndicatorCount(count);
+        wave.append(QString::number(count));
+    }
+    QTest::newRow("indicator wave") << wave.join(u',') << u"1,2,3,0,1"_qs;
 }
 
-void tst_RandomQuoteDataService::quotePath()
+void tst_RandomQuoteDataService::texts()
 {
-    QFETCH(QString, language);
-    QFETCH(QString, path);
-    QCOMPARE(RandomQuoteDataService::quotePath(language), path);
+    QFETCH(QString, text);
+    QFETCH(QString, expected);
+    QCOMPARE(text, expected);
 }
 
 void tst_RandomQuoteDataService::answers_data()
@@ -176,39 +188,6 @@ void tst_RandomQuoteDataService::onlyShortSayingsArePicked()
         picked.insert(FortuneQuotes::pick(folder, random).value_or(u"(none)"_qs));
     }
     QCOMPARE(picked, (QSet<QString>{shortSaying, wrappedSaying}));
-}
-
-void tst_RandomQuoteDataService::greeting_data()
-{
-    QTest::addColumn<int>("hour");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("04") << 4 << u"Good night !!!"_qs;
-    QTest::newRow("05") << 5 << u"Good morning !!!"_qs;
-    QTest::newRow("11") << 11 << u"Good morning !!!"_qs;
-    QTest::newRow("12") << 12 << u"Good afternoon !!!"_qs;
-    QTest::newRow("17") << 17 << u"Good afternoon !!!"_qs;
-    QTest::newRow("18") << 18 << u"Good evening !!!"_qs;
-    QTest::newRow("21") << 21 << u"Good evening !!!"_qs;
-    QTest::newRow("22") << 22 << u"Good night !!!"_qs;
-    QTest::newRow("00") << 0 << u"Good night !!!"_qs;
-}
-
-void tst_RandomQuoteDataService::greeting()
-{
-    QFETCH(int, hour);
-    QFETCH(QString, text);
-    QCOMPARE(Welcome::greeting(hour), text);
-}
-
-void tst_RandomQuoteDataService::indicatorWave()
-{
-    int count = 0;
-    QList<int> steps;
-    for (int tick = 0; tick < 5; ++tick) {
-        count = Welcome::nextIndicatorCount(count);
-        steps.append(count);
-    }
-    QCOMPARE(steps, (QList<int>{1, 2, 3, 0, 1}));
 }
 
 QTEST_GUILESS_MAIN(tst_RandomQuoteDataService)
