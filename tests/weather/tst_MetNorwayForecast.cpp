@@ -40,7 +40,6 @@ class tst_MetNorwayForecast : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void currentConditions();
-    void completeFields();
     void days_data();
     void days();
     void unusableBodies_data();
@@ -78,18 +77,16 @@ void tst_MetNorwayForecast::currentConditions()
     }
     QVERIFY(info->has(u"current.humidity"_qs));
     QVERIFY(info->has(u"daily.sunrise"_qs, 0));
-}
 
-void tst_MetNorwayForecast::completeFields()
-{
-    const std::optional<WeatherInfo> info = MetNorwayForecast::convert(completeFixture(), fixtureNow, QTimeZone::utc());
-    QVERIFY(info);
-    QVERIFY(info->has(u"current.uvi"_qs) && info->has(u"current.dew_point"_qs));
-    QCOMPARE(info->current.uvi, 3.4);
-    QCOMPARE(info->current.dewPoint, 9.1);
-    QVERIFY(info->has(u"daily.uvi"_qs, 0));
-    QVERIFY(!info->has(u"daily.uvi"_qs, 1)); // only the first step has one
-    QCOMPARE(info->daily.at(0).uvi, 3.4);
+    // The complete document's extra fields, where it has them: only the first step has a UV index.
+    const std::optional<WeatherInfo> complete =
+        MetNorwayForecast::convert(completeFixture(), fixtureNow, QTimeZone::utc());
+    QVERIFY(complete);
+    QCOMPARE(complete->current.uvi, 3.4);
+    QCOMPARE(complete->current.dewPoint, 9.1);
+    QCOMPARE(complete->daily.at(0).uvi, 3.4);
+    QVERIFY(complete->has(u"current.uvi"_qs) && complete->has(u"current.dew_point"_qs) &&
+            complete->has(u"daily.uvi"_qs, 0) && !complete->has(u"daily.uvi"_qs, 1));
 }
 
 void tst_MetNorwayForecast::days_data()
