@@ -18,15 +18,9 @@ namespace {
 
 const QString launchedNumber = QStringLiteral("+34600123456");
 
-QString digits(const QString &text)
+QString digits(QString text)
 {
-    QString result;
-    for (const QChar c : text) {
-        if (c.isDigit()) {
-            result.append(c);
-        }
-    }
-    return result;
+    return text.remove(QRegularExpression(u"\\D"_qs));
 }
 
 } // namespace
