@@ -33,8 +33,6 @@ private Q_SLOTS:
     void openTelco_data();
     void openTelco();
     void preferencesReadAtEachUse();
-    void hostileMeetingText_data();
-    void hostileMeetingText();
     void lastCallDestinationClipboardRule_data();
     void lastCallDestinationClipboardRule();
     void sharedUsesCollaboratorsGivenBeforeFirstUse();
@@ -68,59 +66,51 @@ void tst_CallsManager::directLaunches_data()
 {
     QTest::addColumn<Launch>("launch");
     QTest::addColumn<QString>("destination");
-    QTest::addColumn<QString>("opened");      // empty: nothing is opened
-    QTest::addColumn<QString>("failureText"); // empty: success carrying the destination as passed
+    QTest::addColumn<QString>("outcome"); // the address opened, or the failure's text before ": <destination>"
 
     const Launch phone = &CallsManager::makePhoneCall;
     const Launch facetime = &CallsManager::makeFacetimeCall;
-    const Launch facetimeAudio = &CallsManager::makeFacetimeAudioCall;
+    const Launch audio = &CallsManager::makeFacetimeAudioCall;
     const Launch message = &CallsManager::sendMessage;
     const Launch mail = &CallsManager::sendEmail;
-
-    QTest::newRow("phone, every separator removed")
-        << phone << u"+34 600-12.34/56"_qs << u"tel:+34600123456"_qs << QString();
-    QTest::newRow("phone, short number not read as an address") << phone << u"12"_qs << u"tel:12"_qs << QString();
-    QTest::newRow("phone, parentheses kept") << phone << u"(600) 123"_qs << u"tel:(600)123"_qs << QString();
-    QTest::newRow("phone, at sign still cleaned") << phone << u"a-b@c.d"_qs << u"tel:ab@cd"_qs << QString();
-    QTest::newRow("phone, newline and switch")
-        << phone << u"600\n--no-sandbox"_qs << QString() << u"Error creating call: 600\n--no-sandbox"_qs;
-    QTest::newRow("phone, non-ASCII") << phone << u"6\u00e900"_qs << QString() << u"Error creating call: 6\u00e900"_qs;
-    QTest::newRow("facetime, number cleaned") << facetime << u"600-1 2"_qs << u"facetime://60012"_qs << QString();
+    QTest::newRow("phone, every separator removed") << phone << u"+34 600-12.34/56"_qs << u"tel:+34600123456"_qs;
+    QTest::newRow("phone, short number not read as an address") << phone << u"12"_qs << u"tel:12"_qs;
+    QTest::newRow("phone, parentheses kept") << phone << u"(600) 123"_qs << u"tel:(600)123"_qs;
+    QTest::newRow("phone, at sign still cleaned") << phone << u"a-b@c.d"_qs << u"tel:ab@cd"_qs;
+    QTest::newRow("phone, newline and switch") << phone << u"600\n--no-sandbox"_qs << u"Error creating call"_qs;
+    QTest::newRow("phone, non-ASCII") << phone << u"6\u00e900"_qs << u"Error creating call"_qs;
+    QTest::newRow("facetime, number cleaned") << facetime << u"600-1 2"_qs << u"facetime://60012"_qs;
     QTest::newRow("facetime, account as written")
-        << facetime << u"bob.s@example.com"_qs << u"facetime://bob.s@example.com"_qs << QString();
-    QTest::newRow("facetime, bad account")
-        << facetime << u"bob s@example.com"_qs << QString() << u"Error creating Facetime call: bob s@example.com"_qs;
-    QTest::newRow("facetime audio") << facetimeAudio << u"600.12"_qs << u"facetime-audio://60012"_qs << QString();
-    QTest::newRow("facetime audio, bad account")
-        << facetimeAudio << u"a b@c.d"_qs << QString() << u"Error creating Facetime Audio call: a b@c.d"_qs;
-    QTest::newRow("message, blanks removed") << message << u"600 12 34"_qs << u"sms:6001234"_qs << QString();
+        << facetime << u"bob.s@example.com"_qs << u"facetime://bob.s@example.com"_qs;
+    QTest::newRow("facetime, bad account") << facetime << u"bob s@example.com"_qs << u"Error creating Facetime call"_qs;
+    QTest::newRow("facetime audio") << audio << u"600.12"_qs << u"facetime-audio://60012"_qs;
+    QTest::newRow("facetime audio, bad account") << audio << u"a b@c.d"_qs << u"Error creating Facetime Audio call"_qs;
+    QTest::newRow("message, blanks removed") << message << u"600 12 34"_qs << u"sms:6001234"_qs;
     QTest::newRow("message, account unchanged")
-        << message << u"ana.b-c@example.com"_qs << u"sms:ana.b-c@example.com"_qs << QString();
+        << message << u"ana.b-c@example.com"_qs << u"sms:ana.b-c@example.com"_qs;
     QTest::newRow("message, e-mail wording on failure")
-        << message << u"ana b@example.com"_qs << QString() << u"Error creating eMail: ana b@example.com"_qs;
-    QTest::newRow("mail, not cleaned") << mail << u"ana.b-c@example.com"_qs << u"mailto:ana.b-c@example.com"_qs
-                                       << QString();
-    QTest::newRow("mail, blank is no address")
-        << mail << u"bob smith@example.com"_qs << QString() << u"Error creating eMail: bob smith@example.com"_qs;
-    QTest::newRow("mail, attachment refused") << mail << u"bob@example.com?attach=/etc/passwd"_qs << QString()
-                                              << u"Error creating eMail: bob@example.com?attach=/etc/passwd"_qs;
+        << message << u"ana b@example.com"_qs << u"Error creating eMail"_qs;
+    QTest::newRow("mail, not cleaned") << mail << u"ana.b-c@example.com"_qs << u"mailto:ana.b-c@example.com"_qs;
+    QTest::newRow("mail, blank is no address") << mail << u"bob smith@example.com"_qs << u"Error creating eMail"_qs;
+    QTest::newRow("mail, attachment refused")
+        << mail << u"bob@example.com?attach=/etc/passwd"_qs << u"Error creating eMail"_qs;
     QTest::newRow("mail, subject allowed")
-        << mail << u"bob@example.com?subject=Hello"_qs << u"mailto:bob@example.com?subject=Hello"_qs << QString();
+        << mail << u"bob@example.com?subject=Hello"_qs << u"mailto:bob@example.com?subject=Hello"_qs;
 }
 
 void tst_CallsManager::directLaunches()
 {
     QFETCH(Launch, launch);
     QFETCH(QString, destination);
-    QFETCH(QString, opened);
-    QFETCH(QString, failureText);
+    QFETCH(QString, outcome);
 
     const CallResult result = launch(*m_manager, destination);
-    if (failureText.isEmpty()) {
+    if (!outcome.startsWith(u"Error creating ")) {
         QVERIFY(result.isSuccess());
         QCOMPARE(result.value(), destination);
-        QCOMPARE(m_workspace.opened, QStringList{opened});
+        QCOMPARE(m_workspace.opened, QStringList{outcome});
     } else {
+        const QString failureText = outcome + u": " + destination;
         QVERIFY(!result.isSuccess());
         QCOMPARE(result.error(), CallsManagerError::errorCreatingCall(failureText));
         QCOMPARE(result.error().errorDescription(), u"Error Creating call in Workspace with number: " + failureText);
@@ -151,8 +141,6 @@ void tst_CallsManager::noApplication()
     const CallResult result = launch(*m_manager, u"6001234"_qs);
     QVERIFY(!result.isSuccess());
     QCOMPARE(result.error(), CallsManagerError::noApplication(CallsManager::noApplicationMessage(type)));
-    QCOMPARE(result.error().errorDescription(), CallsManager::noApplicationMessage(type));
-    QVERIFY(result.error().errorDescription().startsWith(u"No application on this computer "));
     QVERIFY(m_workspace.opened.isEmpty());
     QCOMPARE(m_manager->handlerFor(type).state, SchemeHandler::State::none);
 }
@@ -186,6 +174,8 @@ void tst_CallsManager::callTypeForURL_data()
     QTest::newRow("webex") << u"https://acme.webex.com/meet/bob"_qs << CallTypes::webex;
     QTest::newRow("meet host without slash") << u"https://meet.google.com"_qs << CallTypes::notRecognized;
     QTest::newRow("case-sensitive") << u"HTTPS://MEET.GOOGLE.COM/x"_qs << CallTypes::notRecognized;
+    QTest::newRow("user info") << u"https://meet.google.com@evil.example/x"_qs << CallTypes::notRecognized;
+    QTest::newRow("backslash user info") << u"https://evil.example\\@meet.google.com/x"_qs << CallTypes::notRecognized;
     QTest::newRow("other site") << u"https://example.com/zoom"_qs << CallTypes::notRecognized;
     QTest::newRow("skype is never recognised") << u"skype://?chat"_qs << CallTypes::notRecognized;
     QTest::newRow("empty") << QString() << CallTypes::notRecognized;
@@ -229,6 +219,18 @@ void tst_CallsManager::openTelco_data()
     QTest::newRow("no default browser") << jitsi << false << QStringList{u"https"_qs} << QString() << CallTypes::jitsi
                                         << QStringList() << QStringList()
                                         << QStringList{u"No application opens https addresses"_qs, opening + jitsi};
+    // Hostile text that reads as a meeting: each browser's path goes through the browser gate (whose cases are in
+    // tst_LaunchAddress), and opens nothing.
+    const QString huge =
+        QString(5 * 1024 * 1024, u'x') + u"https://meet.google.com/abc" + QString(5 * 1024 * 1024, u'y');
+    for (const QString &text : {u"--renderer-cmd-prefix=/tmp/x https://meet.google.com/"_qs, huge}) {
+        QTest::addRow("%s, Chrome", qPrintable(text.left(30)))
+            << text << true << QStringList() << QString() << CallTypes::googleMeet << QStringList() << QStringList()
+            << QStringList{u"Error creating URL for Chrome"_qs, opening + text};
+        QTest::addRow("%s, default browser", qPrintable(text.left(30)))
+            << text << false << QStringList() << QString() << CallTypes::googleMeet << QStringList() << QStringList()
+            << QStringList{u"Error creating URL for Default Browser"_qs, opening + text};
+    }
 }
 
 void tst_CallsManager::openTelco()
@@ -272,54 +274,6 @@ void tst_CallsManager::preferencesReadAtEachUse()
     m_manager->openInBrowser(link);
     QCOMPARE(m_workspace.opened.size(), 1);
     QCOMPARE(m_workspace.openedWithApplication.size(), 1);
-}
-
-void tst_CallsManager::hostileMeetingText_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("useChrome");
-    QTest::addColumn<QString>("refusal"); // the trace written instead of opening; empty when rejected earlier
-
-    // Each browser's path goes through the gate (whose cases are in tst_LaunchAddress).
-    const QString chromeRefusal = u"Error creating URL for Chrome"_qs;
-    const QString defaultRefusal = u"Error creating URL for Default Browser"_qs;
-    const QString huge =
-        QString(5 * 1024 * 1024, u'x') + u"https://meet.google.com/abc" + QString(5 * 1024 * 1024, u'y');
-    const QList<std::pair<const char *, QString>> inputs = {
-        {"switch before link", u"--renderer-cmd-prefix=/tmp/x https://meet.google.com/"_qs},
-        {"bidi override", u"https://meet.google.com/abc\u202Eexe.fdp"_qs},
-        {"newline then switch", u"https://meet.google.com/abc\n--no-sandbox"_qs},
-        {"10 MB text", huge},
-    };
-    for (const auto &[name, text] : inputs) {
-        QTest::addRow("%s, Chrome", name) << text << true << chromeRefusal;
-        QTest::addRow("%s, default browser", name) << text << false << defaultRefusal;
-    }
-    // Not recognised as meetings at all: refused before any browser is chosen.
-    QTest::newRow("user info") << u"https://meet.google.com@evil.example/x"_qs << true << QString();
-    QTest::newRow("backslash user info") << u"https://evil.example\\@meet.google.com/x"_qs << true << QString();
-}
-
-void tst_CallsManager::hostileMeetingText()
-{
-    QFETCH(QString, text);
-    QFETCH(bool, useChrome);
-    QFETCH(QString, refusal);
-    m_preferences->setValue(PreferenceKey::useChromeAsDefaultBrowser, useChrome);
-
-    Trace::Capture capture;
-    std::optional<CallResult> result;
-    m_manager->openTelco(text, [&](const CallResult &r) { result = r; });
-    QVERIFY(result.has_value());
-    QCoreApplication::processEvents();
-    QVERIFY(m_workspace.opened.isEmpty());
-    QVERIFY(m_workspace.openedWithApplication.isEmpty());
-    if (refusal.isEmpty()) {
-        QVERIFY(!result->isSuccess());
-        QCOMPARE(result->error().errorCase(), CallsManagerError::Case::invalidTelcoType);
-    } else {
-        QVERIFY(capture.lines().contains(refusal));
-    }
 }
 
 void tst_CallsManager::lastCallDestinationClipboardRule_data()

@@ -40,11 +40,6 @@ void tst_ChromeLaunch::linkReachesChromeAfterTheSwitches_data()
     const QString link = u"https://meet.google.com/abc-defg-hij?authuser=0&hs=1"_qs;
     QTest::newRow("a link, after --") << chrome << link << QStringList{u"--"_qs, link} << QStringList()
                                       << u"Successfully openned URL "_qs + link + u" call in google-chrome";
-    // The address gate's cases are in tst_LaunchAddress; these show that Chrome's path goes through it.
-    QTest::newRow("switch text") << chrome << u"--renderer-cmd-prefix=/tmp/x https://meet.google.com/"_qs
-                                 << QStringList() << QStringList() << u"Error creating URL for Chrome"_qs;
-    QTest::newRow("javascript") << chrome << u"javascript:alert(1)//https://zoom.us/j/1"_qs << QStringList()
-                                << QStringList() << u"Error creating URL for Chrome"_qs;
     QTest::newRow("no Chrome: the default browser")
         << m_home.path() + u"/no-such-chrome" << u"https://meet.jit.si/Standup"_qs << QStringList()
         << QStringList{u"https://meet.jit.si/Standup"_qs} << u"The application “Google Chrome” could not be found."_qs;
@@ -66,9 +61,6 @@ void tst_ChromeLaunch::linkReachesChromeAfterTheSwitches()
     Trace::Capture capture;
     manager.openTelco(text, [](const CallResult &) {});
     QTRY_VERIFY2(capture.lines().contains(trace), qPrintable(capture.lines().join(u'\n')));
-    if (chromeGets.isEmpty() && defaultBrowserGets.isEmpty()) {
-        QTest::qWait(300); // a browser started by mistake would have written by now
-    }
     QTRY_COMPARE(m_home.lines(u"chrome.log"_qs), chromeGets);
     QTRY_COMPARE(m_home.lines(u"default.log"_qs), defaultBrowserGets);
 }

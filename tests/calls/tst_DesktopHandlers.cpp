@@ -1,18 +1,13 @@
 // The desktop's handler look-up and launch, for real: a desktop file and a mimeapps.list in a temporary XDG home name a
 // recording handler, GIO finds it and starts it. GIO reads the XDG folders once per process, so each row of the table
-// runs the telverra command in a home of its own; the window's path runs in this process, in a home made before
-// anything asks GIO (initMain).
+// runs the telverra command in a home of its own; the window's path runs in this process.
 #include "app/HomeWindowViewModel.h"
 #include "calls/CallsManager.h"
-#include "calls/Clipboard.h"
 #include "calls/Workspace.h"
-#include "contacts/ContactStoreManager.h"
-#include "contacts/VCardDirectoryStore.h"
 #include "recents/RecentCallsDataService.h"
-#include "settings/Preferences.h"
 #include "settings/QuickActionHandlers.h"
-#include "store/CoreDataManager.h"
 #include "support/TestHome.h"
+#include "support/ViewModelFixture.h"
 
 #include <QClipboard>
 #include <QFile>
@@ -23,33 +18,17 @@
 #include <QSignalSpy>
 #include <QTest>
 
-namespace {
-
-// Only the home's applications: none of the machine's own handlers (its browsers, mail clients) take part.
-void isolate(QProcessEnvironment &environment, const TestHome &home)
-{
-    environment.insert(u"XDG_DATA_DIRS"_qs, home.path() + u"/system/share");
-    environment.insert(u"XDG_CONFIG_DIRS"_qs, home.path() + u"/system/etc");
-    environment.remove(u"XDG_CURRENT_DESKTOP"_qs);
-}
-
-TestHome *windowHome = nullptr;
-
-} // namespace
-
 class tst_DesktopHandlers : public QObject
 {
     Q_OBJECT
 public:
+    // Only the homes' applications, in this process and the commands it starts: none of the machine's own handlers
+    // (its browsers, mail clients) take part. The window's test registers its handler before anything asks GIO.
     static void initMain()
     {
-        windowHome = new TestHome; // lives as long as the process, like GIO's reading of it
-        QProcessEnvironment environment;
-        isolate(environment, *windowHome);
-        qputenv("XDG_DATA_DIRS", QFile::encodeName(environment.value(u"XDG_DATA_DIRS"_qs)));
-        qputenv("XDG_CONFIG_DIRS", QFile::encodeName(environment.value(u"XDG_CONFIG_DIRS"_qs)));
+        qputenv("XDG_DATA_DIRS", "/nonexistent/share");
+        qputenv("XDG_CONFIG_DIRS", "/nonexistent/etc");
         qunsetenv("XDG_CURRENT_DESKTOP");
-        windowHome->registerRecordingHandler({u"sms"_qs}, windowHome->path() + u"/received.log");
     }
 
 private Q_SLOTS:
@@ -109,7 +88,6 @@ void tst_DesktopHandlers::launches()
         QVERIFY(!browser.isEmpty());
     }
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    isolate(environment, home);
     environment.insert(u"PATH"_qs, home.path() + u"/bin"); // the stand-ins only, and no terminal
     environment.insert(u"BROWSER"_qs, browser);
     environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_qs, u"unix:path=/nonexistent"_qs); // no window to hand it to
@@ -143,16 +121,13 @@ void tst_DesktopHandlers::launches()
 // each kind.
 void tst_DesktopHandlers::windowShowsTheMessage()
 {
+    ViewModelFixture fixture{QByteArray()};
+    QVERIFY(fixture.home.registerRecordingHandler({u"sms"_qs}, fixture.home.path() + u"/received.log"));
     SystemWorkspace workspace;
-    Preferences preferences(Preferences::defaultFilePath());
-    SystemClipboard clipboard;
-    CallsManager calls(workspace, preferences, clipboard);
-    CoreDataManager store(windowHome->dataHome() + u"/telverra/Telverra.sqlite");
-    VCardDirectoryStore addressBook;
-    ContactStoreManager contacts(addressBook);
-    HomeWindowViewModel::Environment environment{&preferences, &calls, &store, &contacts, &clipboard};
-    environment.headless = true;
-    HomeWindowViewModel viewModel(environment);
+    CallsManager calls(workspace, *fixture.preferences, fixture.clipboard);
+    fixture.environment.callsManager = &calls;
+    fixture.environment.headless = true;
+    HomeWindowViewModel &viewModel = fixture.makeViewModel();
     QGuiApplication::clipboard()->setText(u"untouched"_qs);
     QSignalSpy published(&viewModel, &HomeWindowViewModel::callManagerErrorPublished);
 

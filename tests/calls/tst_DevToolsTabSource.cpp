@@ -25,7 +25,6 @@ private Q_SLOTS:
     void initTestCase();
     void cleanupTestCase();
     void noBrowserAnswersNothing();
-    void tabsGroupedByWindow();
     void newMeetingFoundInTheTabs();
 
 private:
@@ -61,7 +60,8 @@ void tst_DevToolsTabSource::noBrowserAnswersNothing()
     QVERIFY2(!DevToolsTabSource(9, {}).run(CallsManager::myAppleScriptSafari, false), "only asked for Chrome");
 }
 
-void tst_DevToolsTabSource::tabsGroupedByWindow()
+// The tabs, grouped by window, and then the new meeting's address found among them.
+void tst_DevToolsTabSource::newMeetingFoundInTheTabs()
 {
     const QString chromium = QStandardPaths::findExecutable(u"chromium"_qs);
     if (chromium.isEmpty()) {
@@ -124,18 +124,11 @@ void tst_DevToolsTabSource::tabsGroupedByWindow()
                               (QStringList{u"Window ID: |Inbox|"_qs + m_server.baseUrl() + u"/other",
                                            u"Window ID: |Meet - ~new|"_qs + m_server.baseUrl() + u"/meeting"}),
                               20000);
-}
 
-void tst_DevToolsTabSource::newMeetingFoundInTheTabs()
-{
-    if (m_chromium.state() != QProcess::Running) {
-        QSKIP("needs the Chromium of the previous test");
-    }
     Preferences preferences(m_home.configHome() + u"/telverra.conf");
     RecordingWorkspace workspace; // the new meeting's address is not opened again here
     SystemClipboard clipboard;
     CallsManager manager(workspace, preferences, clipboard);
-    DevToolsTabSource source(0, {m_profile.path()});
     manager.setBrowserTabSource(&source);
     std::optional<CallResult> result;
     Trace::Capture capture;
