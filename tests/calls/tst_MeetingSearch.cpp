@@ -29,8 +29,6 @@ class tst_MeetingSearch : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void parsing();
-    void meetingURL_data();
-    void meetingURL();
     void scriptHostOutput_data();
     void scriptHostOutput();
 };
@@ -56,32 +54,6 @@ void tst_MeetingSearch::parsing()
     QCOMPARE(windows.at(3), BrowserWindow());
 }
 
-void tst_MeetingSearch::meetingURL_data()
-{
-    QTest::addColumn<QList<BrowserWindow>>("windows");
-    QTest::addColumn<QString>("found");
-    const BrowserWindow first{
-        u"Window ID: 1"_qs,
-        {{u"Inbox"_qs, u"https://mail.example/"_qs}, {u"Meet - ~new"_qs, u"https://meet.google.com/aaa"_qs}}};
-    const BrowserWindow second{u"Window ID: 2"_qs, {{u"Meet - ~new"_qs, u"https://meet.google.com/bbb"_qs}}};
-    QTest::newRow("two windows: the first reported wins")
-        << QList<BrowserWindow>{first, second} << u"https://meet.google.com/aaa"_qs;
-    QTest::newRow("title differing in case")
-        << QList<BrowserWindow>{{u"Window ID: 3"_qs, {{u"Meet - ~New"_qs, u"https://meet.google.com/ccc"_qs}}}}
-        << QString();
-    QTest::newRow("retitled meeting")
-        << QList<BrowserWindow>{{u"Window ID: 4"_qs, {{u"Meet - abc-defg-hij"_qs, u"https://meet.google.com/d"_qs}}}}
-        << QString();
-}
-
-void tst_MeetingSearch::meetingURL()
-{
-    QFETCH(QList<BrowserWindow>, windows);
-    QFETCH(QString, found);
-    Trace::Capture capture;
-    QCOMPARE(CallsManager::meetingURL(windows), found);
-}
-
 // What `osascript -ss` prints for the listing script: the macOS script host cannot run here, its output can.
 void tst_MeetingSearch::scriptHostOutput_data()
 {
@@ -92,6 +64,16 @@ void tst_MeetingSearch::scriptHostOutput_data()
         << uR"({{"Window ID: 5", {{"Title: Inbox", "URL: https://mail.example/"}}}, )"
            uR"({"Window ID: 9", {{"Title: Meet - ~new", "URL: https://meet.google.com/x"}}}})"_qs
         << 2 << u"https://meet.google.com/x"_qs;
+    QTest::newRow("two meetings: the first reported wins")
+        << uR"({{"Window ID: 1", {{"Title: Inbox", "URL: https://mail.example/"}, )"
+           uR"({"Title: Meet - ~new", "URL: https://meet.google.com/aaa"}}}, )"
+           uR"({"Window ID: 2", {{"Title: Meet - ~new", "URL: https://meet.google.com/bbb"}}}})"_qs
+        << 2 << u"https://meet.google.com/aaa"_qs;
+    QTest::newRow("title differing in case")
+        << uR"({{"Window ID: 3", {{"Title: Meet - ~New", "URL: https://meet.google.com/ccc"}}}})"_qs << 1 << QString();
+    QTest::newRow("retitled meeting")
+        << uR"({{"Window ID: 4", {{"Title: Meet - abc-defg-hij", "URL: https://meet.google.com/d"}}}})"_qs << 1
+        << QString();
     QTest::newRow("escaped quote and backslash")
         << uR"({{"Window ID: 1", {{"Title: say \"hi\" \\ bye", "URL: https://a.example/"}}}})"_qs << 1 << QString();
     QTest::newRow("no windows") << u"{}"_qs << 0 << QString();
