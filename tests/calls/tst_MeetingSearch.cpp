@@ -99,9 +99,9 @@ void tst_MeetingSearch::scriptHostOutput()
     QCOMPARE(CallsManager::meetingURL(parsed), meeting);
     if (QTest::currentDataTag() == QByteArray("escaped quote and backslash")) { // printed between rules, quoted
         const QString rule(45, u'-');
-        const QString printed = uR"([BrowserWindow(name: "Window ID: 1", tabs: [Tab(title: "say \"hi\" \ bye", )"
+        const QString listing = uR"([BrowserWindow(name: "Window ID: 1", tabs: [Tab(title: "say \"hi\" \ bye", )"
                                 uR"(url: "https://a.example/")])])"_qs;
-        QCOMPARE(capture.lines(), (QStringList{rule, printed, rule}));
+        QCOMPARE(capture.lines(), (QStringList{rule, listing, rule}));
     }
 }
 
