@@ -206,7 +206,8 @@ private Q_SLOTS:
         editor.setTelcoValue(u"https://meet.jit.si/Other"_qs);
         editor.save();
         service.fetchFavoriteTelcos();
-        QCOMPARE(project(service.savedFavoriteTelcos(), [](const auto &t) { return t.telcoValue() + t.telcoType(); }),
+        QCOMPARE(project(service.savedFavoriteTelcos(),
+                         [](const auto &t) -> QString { return t.telcoValue() + t.telcoType(); }),
                  QStringList{u"https://meet.jit.si/Other"_qs + kind});
     }
 
